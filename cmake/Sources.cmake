@@ -1,0 +1,59 @@
+# The library's sources, one list per folder; Android.bp is checked against it.
+set(VOREL_PLATFORM_SOURCES
+  platform/clock.cpp
+  platform/cpu.cpp
+  platform/thread_attributes.cpp)
+set(VOREL_PLATFORM_HOST_SOURCES
+  platform/host/directories.cpp
+  platform/host/property.cpp)
+set(VOREL_PLATFORM_ANDROID_SOURCES
+  platform/android/directories.cpp)
+set(VOREL_THREADING_SOURCES
+  threading/affinity.cpp
+  threading/thread_pool.cpp
+  threading/tiles.cpp)
+set(VOREL_TUNING_SOURCES
+  tuning/decode.cpp
+  tuning/defaults.cpp
+  tuning/keys.cpp
+  tuning/load.cpp
+  tuning/select.cpp
+  tuning/sensors.cpp)
+set(VOREL_CORE_SOURCES
+  core/box_filter_stage.cpp
+  core/deinterleave_stage.cpp
+  core/dump.cpp
+  core/frame_guard.cpp
+  core/interleave_stage.cpp
+  core/lifecycle.cpp
+  core/run.cpp
+  core/run_thread.cpp
+  core/tuning_parameter.cpp
+  core/yuv_stage.cpp)
+
+# Compiled for the processors that the kernels need (VOREL_KERNEL_FLAGS).
+set(VOREL_CORE_KERNEL_SOURCES
+  core/mfd_uv_stage.cpp)
+set(VOREL_FILTERS_SOURCES
+  filters/bilateral_filter.cpp
+  filters/bilateral_weights.cpp
+  filters/box_filter.cpp)
+set(VOREL_CONVERT_SOURCES
+  convert/deinterleave.cpp
+  convert/restore_packed.cpp
+  convert/restore_planar.cpp
+  convert/upsample.cpp)
+set(VOREL_WAVELET_SOURCES
+  wavelet/border_handler.cpp
+  wavelet/chroma_post_process.cpp
+  wavelet/config.cpp
+  wavelet/denoise.cpp
+  wavelet/haar_forward.cpp
+  wavelet/haar_inverse.cpp
+  wavelet/plane_storage.cpp
+  wavelet/sym4_transform.cpp
+  wavelet/kernels/border_rows.cpp
+  wavelet/kernels/haar_rows.cpp
+  wavelet/kernels/saturation_rows.cpp
+  wavelet/kernels/shrinkage_rows.cpp
+  wavelet/kernels/sym4_rows.cpp)

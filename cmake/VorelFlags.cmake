@@ -1,0 +1,41 @@
+# Compiler flags. Numeric flags hold for every target, tests and tools too, so that one expression
+# has one value everywhere.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  message(FATAL_ERROR "libvorel is built with clang: half precision needs it on every machine")
+endif()
+
+option(VOREL_WERROR "Treat warnings as errors" ON)
+set(VOREL_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
+
+add_compile_options(-ffp-contract=off -Wall -Wextra -Wshadow -Wformat=2 -Wcast-qual)
+if(VOREL_WERROR)
+  add_compile_options(-Werror)
+endif()
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+  # Half-precision operations round one by one, as they do on Arm.
+  add_compile_options(-fexcess-precision=16)
+  set(VOREL_KERNEL_FLAGS -march=x86-64-v3)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
+  add_compile_options(-mbranch-protection=standard)
+  set(VOREL_KERNEL_FLAGS -march=armv8.2-a+fp16)
+else()
+  message(FATAL_ERROR "unsupported processor ${CMAKE_SYSTEM_PROCESSOR}")
+endif()
+
+if(VOREL_SANITIZE)
+  add_compile_options(-fsanitize=${VOREL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${VOREL_SANITIZE})
+  # Instrumented loops do not vectorise.
+  add_compile_options(-Wno-pass-failed)
+endif()
+
+# Flags of the library's own sources.
+set(VOREL_LIBRARY_FLAGS -fno-exceptions -fno-rtti -Werror=date-time -Wconversion
+  -Wno-implicit-float-conversion)

@@ -1,0 +1,55 @@
+# The library: one object target per folder, together libvorel.so and, for tests and benchmarks,
+# a static archive that shows the hidden names too.
+find_package(Threads REQUIRED)
+find_package(AndroidLog REQUIRED)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(JANSSON REQUIRED IMPORTED_TARGET jansson)
+
+include(BuildInfo)
+
+function(vorel_object_library name)
+  add_library(${name} OBJECT ${ARGN})
+  target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR})
+  target_compile_options(${name} PRIVATE ${VOREL_LIBRARY_FLAGS})
+  target_link_libraries(${name} PUBLIC AndroidLog::AndroidLog Threads::Threads)
+endfunction()
+
+if(ANDROID)
+  vorel_object_library(vorel_platform ${VOREL_PLATFORM_SOURCES} ${VOREL_PLATFORM_ANDROID_SOURCES})
+else()
+  vorel_object_library(vorel_platform ${VOREL_PLATFORM_SOURCES} ${VOREL_PLATFORM_HOST_SOURCES})
+endif()
+vorel_object_library(vorel_threading ${VOREL_THREADING_SOURCES})
+vorel_object_library(vorel_tuning ${VOREL_TUNING_SOURCES})
+target_link_libraries(vorel_tuning PUBLIC PkgConfig::JANSSON)
+vorel_object_library(vorel_filters ${VOREL_FILTERS_SOURCES})
+vorel_object_library(vorel_convert ${VOREL_CONVERT_SOURCES})
+vorel_object_library(vorel_wavelet ${VOREL_WAVELET_SOURCES})
+vorel_object_library(vorel_core ${VOREL_CORE_SOURCES} ${VOREL_CORE_KERNEL_SOURCES})
+target_link_libraries(vorel_core PUBLIC PkgConfig::JANSSON)
+target_compile_definitions(vorel_core PRIVATE ${VOREL_BUILD_INFO})
+
+foreach(target vorel_filters vorel_convert vorel_wavelet)
+  target_compile_options(${target} PRIVATE ${VOREL_KERNEL_FLAGS})
+endforeach()
+set_source_files_properties(${VOREL_CORE_KERNEL_SOURCES}
+  PROPERTIES COMPILE_OPTIONS "${VOREL_KERNEL_FLAGS}")
+
+set(VOREL_OBJECTS vorel_platform vorel_threading vorel_tuning vorel_filters vorel_convert
+  vorel_wavelet vorel_core)
+
+add_library(vorel_static STATIC)
+add_library(vorel SHARED)
+foreach(target vorel_static vorel)
+  target_link_libraries(${target} PRIVATE ${VOREL_OBJECTS})
+  target_link_libraries(${target} PUBLIC AndroidLog::AndroidLog Threads::Threads
+    PRIVATE PkgConfig::JANSSON)
+  target_include_directories(${target} PUBLIC
+    $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/include>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+endforeach()
+target_include_directories(vorel_static PUBLIC ${CMAKE_SOURCE_DIR})
+set_target_properties(vorel PROPERTIES VERSION ${PROJECT_VERSION}
+  SOVERSION ${PROJECT_VERSION_MAJOR})
+target_link_options(vorel PRIVATE -Wl,-z,relro,-z,now,-z,noexecstack,-z,nodelete
+  -Wl,-z,max-page-size=16384 -Wl,--no-undefined-version)

@@ -1,0 +1,102 @@
+// Wavelet denoising of both chroma planes of one frame.
+#ifndef VOREL_WAVELET_CHROMA_POST_PROCESS_H_
+#define VOREL_WAVELET_CHROMA_POST_PROCESS_H_
+
+#include <cstdint>
+
+#include "vorel/export.h"
+#include "vorel/thread_pool.h"
+#include "vorel/wavelet/buffer.h"
+#include "vorel/wavelet/config.h"
+#include "vorel/wavelet/denoise.h"
+#include "vorel/wavelet/sym4_transform.h"
+
+struct vorel_thread;
+
+/// Columns and rows.
+struct wavelet_size {
+  uint32_t width;
+  uint32_t height;
+};
+
+/// Lives for one frame: `setup`, `chromaPostProcess`, `deallocate`.
+class VOREL_EXPORT ChromaPostProcess {
+ public:
+  static constexpr int kSubbands = 7;
+  static constexpr int kThresholds = 16;
+
+  ChromaPostProcess();
+
+  /// Sizes, threshold tables and planes for a frame of `width` x `height` luma pixels. `thr` holds
+  /// five thresholds. `borrow` holds four planes whose rows x columns bytes may be used as storage
+  /// until `deallocate`; what does not fit comes from the heap. Jobs run on `pool1`; the other two
+  /// are stored only. `dumpPath` is used at debug level 5 and above.
+  /// Returns false (logged) when memory is short; then only `deallocate` may follow.
+  bool setup(int width, int height, _Float16* thr, _Float16 radialMode, _Float16 CSatParam1,
+             _Float16 CSatParam2, _Float16 CSatThr1, _Float16 CSatThr2, int debugLevel,
+             char* dumpPath, ThreadPool* pool1, ThreadPool* pool2, ThreadPool* pool3,
+             buffer* borrow);
+
+  /// `in`: one VOREL_PLANE_PAIRS plane, or two bordered half-precision planes (kinds FIRST and
+  /// SECOND), which are used as working planes. `out`: VOREL_PLANE_PAIRS; may be `in`. Returns 0.
+  int chromaPostProcess(buffer* in, buffer* out);
+
+  /// Denoises one bordered plane in place; `plane` is 1 or 2. The two planes may run at once.
+  void denoiseSpatial(unsigned plane, buffer* io, ThreadPool* pool);
+
+  void deallocate();
+
+  void setWtCfg(int c0, int c1, int c2);
+  uint32_t getWtRange(unsigned int level, wtSubbandRange which);
+
+ private:
+  int32_t width_;
+  int32_t height_;
+  wavelet_size uvSize_;
+  wavelet_size uvSizeB_;    // with the border
+  wavelet_size uvL1SizeB_;  // level-1 subbands
+  wavelet_size uvL2SizeB_;  // level-2 subbands
+  Sym4Transform* sym4_;
+  Denoise* denoise_;
+  wavelet_config config_;
+  _Float16 thresholds_[2][kThresholds];
+  _Float16 radialA_;
+  _Float16 radialB_;
+  _Float16 CSatParam1_;
+  _Float16 CSatParam2_;
+  _Float16 CSatThr1_;
+  _Float16 CSatThr2_;
+  buffer padded_[2];
+  buffer staging_;
+  buffer subbands_[2][kSubbands];
+  buffer scratch_[4];  // what is left of the borrowed planes
+  int32_t debugLevel_;
+  char* dumpPath_;
+  ThreadPool* pools_[3];
+};
+
+/// The wavelet stage of a frame; `run` is the pipeline's record of it. Returns 0.
+VOREL_EXPORT int MFD_UV(vorel_thread* run);
+
+/// Job record of `runCopyAndPadFunc`.
+struct copy_and_pad_job {
+  buffer* in;
+  buffer* first;
+  buffer* second;
+  uint32_t rowBegin;
+  uint32_t rowEnd;
+};
+
+/// Job record of `denoiseSpatialFunc`.
+struct denoise_spatial_job {
+  ChromaPostProcess* process;
+  uint32_t plane;
+  buffer* io;
+  ThreadPool* pool;
+};
+
+/// Pool jobs. Return null.
+VOREL_EXPORT void* runCopyAndPadFunc(void* job);
+VOREL_EXPORT void* denoiseSpatialFunc(void* job);
+
+#endif  // VOREL_WAVELET_CHROMA_POST_PROCESS_H_

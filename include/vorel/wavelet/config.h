@@ -1,0 +1,44 @@
+// Configuration of the wavelet levels: one process-wide record and the type of the copies that
+// objects keep.
+#ifndef VOREL_WAVELET_CONFIG_H_
+#define VOREL_WAVELET_CONFIG_H_
+
+#include <cstdint>
+
+#include "vorel/export.h"
+
+/// Nine words: a value per decomposition level 0..2, then each level's subband range.
+/// A level with value 2 has the range {4, 8}, any other value {0, 7}; the end is exclusive.
+struct wavelet_config {
+  uint32_t level[3];
+  uint32_t range[3][2];
+};
+
+/// Selects one end of a subband range.
+enum wtSubbandRange { WT_SUBBAND_FIRST = 0, WT_SUBBAND_LAST = 1 };
+
+struct waveletLevelConfig;  // opaque
+struct sigmaScaleConfig;    // opaque
+
+/// The process-wide record, zero until it is set. No lock: set it while no other thread reads it.
+/// The transforms read their own copies.
+VOREL_EXPORT extern wavelet_config g_waveletCfg;
+
+VOREL_EXPORT void setWtCfg(int l0, int l1, int l2);
+
+/// Value of level 0..2; the index is not checked.
+VOREL_EXPORT uint32_t getWtCfg(unsigned int level);
+
+/// First or last subband of level 0..2; the indices are not checked.
+VOREL_EXPORT uint32_t getWtRange(unsigned int level, wtSubbandRange end);
+
+/// Sets the record to its default (2, 4, 4). Both arguments are ignored.
+VOREL_EXPORT void initLlsMerge(unsigned long, unsigned long);
+
+/// Does nothing.
+VOREL_EXPORT void reconfigureMerge(waveletLevelConfig*, sigmaScaleConfig*);
+/// Do nothing.
+VOREL_EXPORT void allocate_memory();
+VOREL_EXPORT void deallocate_memory();
+
+#endif  // VOREL_WAVELET_CONFIG_H_
