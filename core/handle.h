@@ -96,7 +96,7 @@ struct vorel_preinit_thread {
 // Zero-filled at init.
 struct vorel {
   vorel_thread thread[VOREL_RING_SLOTS];
-  int32_t slot;  // -1 until the first run
+  std::atomic<int32_t> slot;  // -1 until the first run
   pthread_t run_thread[VOREL_RING_SLOTS];
   pthread_mutex_t slot_mutex[VOREL_RING_SLOTS];
   vorel_preinit_thread preinit;

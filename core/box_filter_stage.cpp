@@ -1,0 +1,50 @@
+#include "core/dump.h"
+#include "core/stages.h"
+#include "platform/log.h"
+#include "platform/stage_timer.h"
+#include "threading/run_jobs.h"
+
+void fill_box_filter_jobs(vorel_thread* run) {
+  const int32_t strip = run->height / kBoxFilterJobs;
+  for (int32_t i = 0; i < kBoxFilterJobs; ++i) {
+    box_filter_job& job = run->box_jobs[i];
+    job.width = run->width;
+    job.aligned_height = run->aligned_height;
+    job.stride = run->width;
+    job.row_limit = is_planar_420(run->format) ? run->height : run->aligned_height;
+    job.row_first = i * strip;
+    // The last strip takes the remainder.
+    job.row_end = i + 1 < kBoxFilterJobs ? (i + 1) * strip : run->height;
+    job.src = run->y_source;
+    job.low = run->y_low;
+    job.high = run->y_high;
+  }
+}
+
+void y_low_downsample(vorel_thread* run) {
+  const int32_t rows = run->aligned_height / 16;
+  const int32_t cols = run->width / 16;
+  for (int32_t row = 0; row < rows; ++row) {
+    const uint8_t* src =
+        run->y_low + static_cast<size_t>(row) * 16 * static_cast<size_t>(run->width);
+    uint8_t* dst = run->downsampled_y + static_cast<size_t>(row) * static_cast<size_t>(cols);
+    for (int32_t col = 0; col < cols; ++col) dst[col] = src[16 * col];
+  }
+}
+
+int vorel_box_filter(vorel_thread* run) {
+  StageTimer timer(run->debug_mode);
+  VOREL_LOGI("vorel_box_filter");
+  fill_box_filter_jobs(run);
+  if (first_pool_ready(run)) {
+    run_jobs(run->pool[0], box_filter_col, run->box_jobs, kBoxFilterJobs);
+  }
+  timer.log("vorel_box_filter");
+  timer.restart();
+  y_low_downsample(run);
+  timer.log("y_low_downsample");
+  const stage_record& stage = run->box_filter_stage;
+  dump_plane(stage, "d_Y_low_", run->downsampled_y, run->width >> 4, run->aligned_height >> 4);
+  dump_plane(stage, "Y_high_", run->y_high, run->width, run->aligned_height);
+  return 0;
+}

@@ -1,0 +1,20 @@
+// Dumps of the pipeline's frames and planes.
+#ifndef VOREL_CORE_DUMP_H_
+#define VOREL_CORE_DUMP_H_
+
+#include "core/handle.h"
+#include "vorel/debug.h"
+
+// Writes a dense 8-bit plane under the record's dump path when its debug level asks for planes.
+void dump_plane(const stage_record& stage, const char* prefix, const uint8_t* plane, int32_t width,
+                int32_t height);
+
+// Which of a frame's two dumps is meant.
+enum class frame_dump { kInput, kOutput };
+
+// Writes a whole frame with the noise index in its name. Returns false, logged, for a format that
+// no dump knows.
+bool dump_frame(const vorel* handle, frame_dump which, uint32_t format, const void* plane_1,
+                const void* plane_2, int32_t width, int32_t height, int noiseIndex);
+
+#endif  // VOREL_CORE_DUMP_H_

@@ -1,0 +1,62 @@
+#include "core/run.h"
+#include "core/stages.h"
+#include "platform/log.h"
+#include "platform/thread_attributes.h"
+#include "vorel/debug.h"
+#include "vorel/wavelet/chroma_post_process.h"
+
+namespace {
+
+void run_wavelet_path(vorel_thread* run) {
+  if (run->tuning->mfd_uv_tuning.enable == 0) return;
+  const int result = MFD_UV(run);
+  if (result != 0) VOREL_LOGE("MFD_UV is fail.. ret = %d", result);
+}
+
+void run_stages(vorel_thread* run) {
+  if (run->tuning->enable == 0) {
+    run_wavelet_path(run);
+    return;
+  }
+  int result = vorel_deinterleave(run);
+  if (result != 0) {
+    VOREL_LOGE("vorel_deinterleave is fail.. ret = %d", result);
+    return;
+  }
+  vorel_box_filter(run);
+  vorel_yuv(run);
+  result = vorel_interleave(run);
+  if (result != 0) {
+    VOREL_LOGE("vorel_interleave is fail.. ret = %d", result);
+    return;
+  }
+  run_wavelet_path(run);
+}
+
+}  // namespace
+
+void* vorel_run_thread(void* argument) {
+  auto* run = static_cast<vorel_thread*>(argument);
+  if (run == nullptr) {
+    VOREL_LOGE("vorel_run_thread, vorel_thread is null");
+    return argument;
+  }
+  timeval start{};
+  if (run->debug_mode == kDebugTiming) set_current_time(&start);
+  set_thread_nice(kRunThreadNice);
+  if (*run->preinit_joined == 0) {
+    pthread_join(*run->preinit_thread, nullptr);
+    *run->preinit_joined = 1;
+  }
+  run_stages(run);
+  if (first_pool_ready(run)) {
+    run->pool[0]->deinit();
+    *run->pool_ready[0] = 0;
+  }
+  if (run->debug_mode == kDebugTiming) {
+    const float elapsed_msec = static_cast<float>(get_elapsed_time_usec(&start)) / 1000.0f;
+    VOREL_LOGI("vorel_run_thread stop: handle %p, elapsed time %.3lf", argument,
+               static_cast<double>(elapsed_msec));
+  }
+  return argument;
+}
