@@ -50,6 +50,11 @@ class VOREL_EXPORT ChromaPostProcess {
   uint32_t getWtRange(unsigned int level, wtSubbandRange which);
 
  private:
+  void setSizes(int width, int height);
+  bool reserveStorage(const buffer* borrow);
+  void fillPadded(buffer* in, buffer* planes);
+  void dumpPadded(const char* name, const buffer* planes, bool cropped);
+
   int32_t width_;
   int32_t height_;
   wavelet_size uvSize_;
@@ -69,7 +74,8 @@ class VOREL_EXPORT ChromaPostProcess {
   buffer padded_[2];
   buffer staging_;
   buffer subbands_[2][kSubbands];
-  buffer scratch_[4];  // what is left of the borrowed planes
+  buffer haarScratch_[2];  // per chroma plane
+  buffer sym4Scratch_[2];  // what is left of the borrowed planes
   int32_t debugLevel_;
   char* dumpPath_;
   ThreadPool* pools_[3];

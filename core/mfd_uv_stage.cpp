@@ -1,0 +1,115 @@
+#include "core/handle.h"
+#include "core/stages.h"
+#include "platform/log.h"
+#include "platform/stage_timer.h"
+#include "vorel/debug.h"
+#include "vorel/wavelet/chroma_post_process.h"
+
+namespace {
+
+// The stage's parameters in half precision.
+struct mfd_uv_parameters {
+  _Float16 thresholds[5];
+  _Float16 radial_mode;
+  _Float16 sat_param_1;
+  _Float16 sat_param_2;
+  _Float16 sat_thr_1;
+  _Float16 sat_thr_2;
+};
+
+mfd_uv_parameters round_parameters(const struct mfd_uv_tuning& tuning) {
+  mfd_uv_parameters rounded;
+  for (int i = 0; i < 5; ++i) {
+    rounded.thresholds[i] = static_cast<_Float16>(tuning.denoiseThrChroma[i]);
+  }
+  rounded.radial_mode = static_cast<_Float16>(tuning.radialMode);
+  rounded.sat_param_1 = static_cast<_Float16>(tuning.CSatParam1);
+  rounded.sat_param_2 = static_cast<_Float16>(tuning.CSatParam2);
+  rounded.sat_thr_1 = static_cast<_Float16>(tuning.CSatThr1);
+  rounded.sat_thr_2 = static_cast<_Float16>(tuning.CSatThr2);
+  return rounded;
+}
+
+void log_parameters(const vorel_thread* run, const mfd_uv_parameters& p) {
+  VOREL_LOGI(
+      "MFD_UV, inW %d, inH %d, radialMode %.1f, denoiseThrChroma %.1f, %.1f, %.1f, %.1f, %.1f, "
+      "CSatParam1 %.1f, CSatParam2 %.1f, CSatThr1 %.1f, CSatThr2 %.1f",
+      run->width, run->height, static_cast<double>(p.radial_mode),
+      static_cast<double>(p.thresholds[0]), static_cast<double>(p.thresholds[1]),
+      static_cast<double>(p.thresholds[2]), static_cast<double>(p.thresholds[3]),
+      static_cast<double>(p.thresholds[4]), static_cast<double>(p.sat_param_1),
+      static_cast<double>(p.sat_param_2), static_cast<double>(p.sat_thr_1),
+      static_cast<double>(p.sat_thr_2));
+}
+
+// A plane of `rows` x `cols` elements, described for the post-process.
+buffer describe_plane(void* data, int32_t rows, int32_t cols, uint32_t kind) {
+  buffer plane{};
+  plane.data = data;
+  plane.height = static_cast<uint32_t>(rows);
+  plane.width = static_cast<uint32_t>(cols);
+  plane.kind = kind;
+  plane.borrowed = true;
+  return plane;
+}
+
+// The frame's interleaved chroma: height / 2 rows of `width` bytes.
+buffer describe_frame_chroma(const vorel_thread* run, uint8_t* chroma) {
+  buffer plane = describe_plane(chroma, run->height / 2, run->width, VOREL_PLANE_PAIRS);
+  plane.innerWidth = plane.width / 2;
+  plane.innerHeight = plane.height;
+  return plane;
+}
+
+void dump_chroma(const vorel_thread* run, const char* prefix, const uint8_t* chroma) {
+  if (run->debug_mode < kDebugDumpPlanes) return;
+  dumpImage(VOREL_IMAGE_RAW, run->dump_path, prefix, nullptr, chroma, nullptr,
+            static_cast<unsigned>(run->width), static_cast<unsigned>(run->height / 2), 1, -1, -1,
+            -1, -1);
+}
+
+void process_chroma(vorel_thread* run, ChromaPostProcess* process) {
+  buffer input[2];
+  if (run->tuning->enable == 0 || !restores_to_half_planes(run->tuning)) {
+    input[0] = describe_frame_chroma(run, run->in_address_2);
+    dump_chroma(run, "VOREL_UV_", run->in_address_2);
+  } else {
+    input[0] = describe_plane(run->mfd_u, run->mfd_height, run->mfd_width, VOREL_PLANE_FIRST);
+    input[1] = describe_plane(run->mfd_v, run->mfd_height, run->mfd_width, VOREL_PLANE_SECOND);
+  }
+  buffer output = describe_frame_chroma(run, run->out_address_2);
+  process->chromaPostProcess(input, &output);
+  dump_chroma(run, "MFD_UV_", run->out_address_2);
+}
+
+}  // namespace
+
+int MFD_UV(vorel_thread* run) {
+  const StageTimer timer(run->debug_mode);
+  mfd_uv_parameters p = round_parameters(run->tuning->mfd_uv_tuning);
+  log_parameters(run, p);
+  if (run->mfd_u == nullptr || run->mfd_v == nullptr) {
+    VOREL_LOGE("MFD_UV, skipped: no half-precision planes");
+    return 0;
+  }
+  if (!first_pool_ready(run)) {
+    VOREL_LOGE("MFD_UV, skipped: no worker threads");
+    return 0;
+  }
+  // Two bytes a sample: twice the rows. The full-size working planes are free by now.
+  buffer borrow[4] = {
+      describe_plane(run->mfd_u, 2 * run->mfd_height, run->mfd_width, VOREL_PLANE_FIRST),
+      describe_plane(run->mfd_v, 2 * run->mfd_height, run->mfd_width, VOREL_PLANE_SECOND),
+      describe_plane(run->y_low, run->aligned_height, run->width, 0),
+      describe_plane(run->y_high, run->aligned_height, run->width, 0),
+  };
+  ChromaPostProcess process;
+  const bool ready = process.setup(run->width, run->height, p.thresholds, p.radial_mode,
+                                   p.sat_param_1, p.sat_param_2, p.sat_thr_1, p.sat_thr_2,
+                                   run->debug_mode, const_cast<char*>(run->dump_path), run->pool[0],
+                                   run->pool[1], run->pool[2], borrow);
+  if (ready) process_chroma(run, &process);
+  process.deallocate();
+  timer.log("MFD_UV");
+  return 0;
+}

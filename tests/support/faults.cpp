@@ -1,0 +1,70 @@
+#include "tests/support/faults.h"
+
+#include <pthread.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<bool> g_active{false};
+std::atomic<FaultScope::Kind> g_kind{FaultScope::Kind::kAllocation};
+std::atomic<int> g_nth{0};
+std::atomic<int> g_calls{0};
+
+bool must_fail(FaultScope::Kind kind) {
+  if (!g_active || g_kind != kind) return false;
+  return ++g_calls == g_nth;
+}
+
+}  // namespace
+
+FaultScope::FaultScope(Kind kind, int nth) : nth_(nth) {
+  g_kind = kind;
+  g_nth = nth;
+  g_calls = 0;
+  g_active = true;
+}
+
+FaultScope::~FaultScope() { g_active = false; }
+
+int FaultScope::calls() const { return g_calls; }
+
+bool FaultScope::fired() const { return nth_ > 0 && g_calls >= nth_; }
+
+// The linker sends the objects' calls here (--wrap).
+extern "C" {
+void* __real_malloc(size_t bytes);
+void* __real_calloc(size_t count, size_t bytes);
+int __real_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                          void* (*function)(void*), void* argument);
+
+void* __wrap_malloc(size_t bytes) {
+  return must_fail(FaultScope::Kind::kAllocation) ? nullptr : __real_malloc(bytes);
+}
+
+void* __wrap_calloc(size_t count, size_t bytes) {
+  return must_fail(FaultScope::Kind::kAllocation) ? nullptr : __real_calloc(count, bytes);
+}
+
+int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                          void* (*function)(void*), void* argument) {
+  if (must_fail(FaultScope::Kind::kThreadCreate)) return EAGAIN;
+  return __real_pthread_create(thread, attributes, function, argument);
+}
+}
+
+// All forms come from here, so that each block is freed the way it was allocated.
+void* operator new(size_t bytes) {
+  void* block = __real_malloc(bytes > 0 ? bytes : 1);
+  if (block == nullptr) std::abort();
+  return block;
+}
+void* operator new(size_t bytes, const std::nothrow_t&) noexcept {
+  if (must_fail(FaultScope::Kind::kAllocation)) return nullptr;
+  return __real_malloc(bytes > 0 ? bytes : 1);
+}
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete(void* block, size_t) noexcept { std::free(block); }
