@@ -36,6 +36,10 @@ if(VOREL_SANITIZE)
   add_compile_options(-Wno-pass-failed)
 endif()
 
-# Flags of the library's own sources.
+if(VOREL_BUILD_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
+# Flags of the library's own sources. The prefix map keeps the place of the tree out of them.
 set(VOREL_LIBRARY_FLAGS -fno-exceptions -fno-rtti -Werror=date-time -Wconversion
-  -Wno-implicit-float-conversion)
+  -Wno-implicit-float-conversion -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)

@@ -27,7 +27,8 @@ vorel_object_library(vorel_convert ${VOREL_CONVERT_SOURCES})
 vorel_object_library(vorel_wavelet ${VOREL_WAVELET_SOURCES})
 vorel_object_library(vorel_core ${VOREL_CORE_SOURCES} ${VOREL_CORE_KERNEL_SOURCES})
 target_link_libraries(vorel_core PUBLIC PkgConfig::JANSSON)
-target_compile_definitions(vorel_core PRIVATE ${VOREL_BUILD_INFO})
+set_source_files_properties(core/lifecycle.cpp PROPERTIES COMPILE_DEFINITIONS
+  "${VOREL_BUILD_INFO}")
 
 foreach(target vorel_filters vorel_convert vorel_wavelet)
   target_compile_options(${target} PRIVATE ${VOREL_KERNEL_FLAGS})
@@ -38,18 +39,33 @@ set_source_files_properties(${VOREL_CORE_KERNEL_SOURCES}
 set(VOREL_OBJECTS vorel_platform vorel_threading vorel_tuning vorel_filters vorel_convert
   vorel_wavelet vorel_core)
 
+# Tests and benchmarks see the hidden names too.
 add_library(vorel_static STATIC)
+target_link_libraries(vorel_static PRIVATE ${VOREL_OBJECTS}
+  PUBLIC AndroidLog::AndroidLog Threads::Threads PkgConfig::JANSSON)
+target_include_directories(vorel_static PUBLIC ${CMAKE_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR})
+
+# The shared library exports the names of abi/libvorel.map and no others.
+set(VOREL_VERSION_SCRIPT ${CMAKE_SOURCE_DIR}/abi/libvorel.map)
 add_library(vorel SHARED)
-foreach(target vorel_static vorel)
-  target_link_libraries(${target} PRIVATE ${VOREL_OBJECTS})
-  target_link_libraries(${target} PUBLIC AndroidLog::AndroidLog Threads::Threads
-    PRIVATE PkgConfig::JANSSON)
-  target_include_directories(${target} PUBLIC
-    $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/include>
-    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-endforeach()
-target_include_directories(vorel_static PUBLIC ${CMAKE_SOURCE_DIR})
-set_target_properties(vorel PROPERTIES VERSION ${PROJECT_VERSION}
-  SOVERSION ${PROJECT_VERSION_MAJOR})
-target_link_options(vorel PRIVATE -Wl,-z,relro,-z,now,-z,noexecstack,-z,nodelete
-  -Wl,-z,max-page-size=16384 -Wl,--no-undefined-version)
+add_library(vorel::vorel ALIAS vorel)
+target_link_libraries(vorel PRIVATE ${VOREL_OBJECTS} AndroidLog::AndroidLog Threads::Threads
+  PkgConfig::JANSSON)
+target_include_directories(vorel PUBLIC
+  $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/include>
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_compile_features(vorel INTERFACE cxx_std_17)
+set_target_properties(vorel PROPERTIES LINK_DEPENDS ${VOREL_VERSION_SCRIPT})
+if(ANDROID)
+  # Android's loader knows no versions in file names.
+  find_library(CUTILS_LIBRARY cutils REQUIRED)
+  find_path(CUTILS_INCLUDE_DIR cutils/properties.h REQUIRED)
+  target_include_directories(vorel_core SYSTEM PRIVATE ${CUTILS_INCLUDE_DIR})
+  target_link_libraries(vorel PRIVATE ${CUTILS_LIBRARY})
+else()
+  set_target_properties(vorel PROPERTIES VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR})
+endif()
+target_link_options(vorel PRIVATE -Wl,--version-script=${VOREL_VERSION_SCRIPT}
+  -Wl,--no-undefined-version -Wl,-z,relro,-z,now,-z,noexecstack,-z,nodelete
+  -Wl,-z,max-page-size=16384)
