@@ -1,0 +1,207 @@
+#include "core/dump.h"
+
+#include <gmock/gmock.h>
+
+#include <map>
+
+#include "tests/core/handle_fixture.h"
+
+namespace {
+
+using ::testing::UnorderedElementsAreArray;
+
+std::string read_file(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class DumpTest : public HandleTest {
+ protected:
+  // Name and size of every file below the dump directory.
+  std::map<std::string, size_t> files() const {
+    std::map<std::string, size_t> found;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(dumps_.path())) {
+      if (entry.is_regular_file()) found[entry.path().filename()] = entry.file_size();
+    }
+    return found;
+  }
+  std::string content(const std::string& name) const {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(dumps_.path())) {
+      if (entry.path().filename() == name) return read_file(entry.path());
+    }
+    ADD_FAILURE() << "no dump " << name;
+    return "";
+  }
+
+  TempDir dumps_;
+  ScopedEnv dump_variable_{"VOREL_DUMP_DIR", dumps_.path().c_str()};
+};
+
+void dump(int type, const std::string& dir, const char* prefix, const char* suffix,
+          const void* buf1, const void* buf2, unsigned width, unsigned height, int crop_width = -1,
+          int crop_height = -1, int crop_x = -1, int crop_y = -1, unsigned element = 1) {
+  dumpImage(type, dir.c_str(), prefix, suffix, buf1, buf2, width, height, element, crop_width,
+            crop_height, crop_x, crop_y);
+}
+
+TEST_F(DumpTest, WritesEachTypeUnderItsName) {
+  const std::string a = "abcdefghijklmnopqrstuvwxyz";
+  const std::string b = "0123456789";
+  const std::string dir = dumps_.path();
+  dump(0, dir, "p_", nullptr, a.data(), nullptr, 4, 2);
+  dump(1, dir, nullptr, "_s", a.data(), nullptr, 4, 2);
+  dump(2, dir, "f_", "_1_2", a.data(), b.data(), 4, 2);
+  dump(3, dir, "m_", nullptr, a.data(), b.data(), 4, 2);
+  dump(5, dir, "none_", nullptr, a.data(), nullptr, 4, 2);
+  dump(0, dir, "wide_", nullptr, a.data(), nullptr, 4, 2, -1, -1, -1, -1, 2);
+  EXPECT_EQ(content("p_4_2.raw"), a.substr(0, 8));
+  EXPECT_EQ(content("4_2_s.yuyv"), a.substr(0, 16));
+  EXPECT_EQ(content("f_4_2_1_2.nv21"), a.substr(0, 12));
+  EXPECT_EQ(content("m_4_2.nv21_m"), a.substr(0, 8) + b.substr(0, 4));
+  EXPECT_EQ(content("none_4_2"), "");
+  EXPECT_EQ(content("wide_4_2.raw"), a.substr(0, 16));
+  EXPECT_EQ(log_.count("Image is dumped in " + dir + "/p_4_2.raw"), 1);
+}
+
+TEST_F(DumpTest, CropsToTheEdgeAndNoFurther) {
+  const std::string a = "abcdefghijkl";  // 4 x 3
+  const std::string dir = dumps_.path();
+  dump(0, dir, "c_", nullptr, a.data(), nullptr, 4, 3, 2, 2, 2, 1);
+  EXPECT_EQ(content("c_2_2_crop.raw"), "ghkl");
+  dump(0, dir, "h_", nullptr, a.data(), nullptr, 2, 3, 1, 2, 1, 1, 2);
+  EXPECT_EQ(content("h_1_2_crop.raw"), "ghkl");
+  dump(0, dir, "wide_", nullptr, a.data(), nullptr, 4, 3, 3, 2, 2, 1);
+  dump(0, dir, "high_", nullptr, a.data(), nullptr, 4, 3, 2, 3, 2, 1);
+  EXPECT_EQ(content("wide_3_2_crop.raw"), "");
+  EXPECT_EQ(content("high_2_3_crop.raw"), "");
+  EXPECT_EQ(log_.count("Failed to write dump file(out of range of image) endX: 5 endY: 3!"), 1);
+  EXPECT_EQ(log_.count("Failed to write dump file(out of range of image) endX: 4 endY: 4!"), 1);
+}
+
+TEST_F(DumpTest, FileThatCannotBeOpened) {
+  dump(0, dumps_.path() / "absent", "p_", nullptr, "x", nullptr, 1, 1);
+  dump(0, "", "p_", nullptr, "x", nullptr, 1, 1);
+  EXPECT_EQ(
+      log_.count("Failed to open dump file " + (dumps_.path() / "absent").string() + "/p_1_1.raw!"),
+      1);
+  EXPECT_EQ(log_.count("Failed to open dump file /p_1_1.raw!"), 1);
+}
+
+TEST_F(DumpTest, FrameLevelsWriteInputAndOutput) {
+  use_tuning(kBothPaths);
+  for (const char* level : {"2", "3", "4"}) {
+    const ScopedEnv variable(kDebugVariable, level);
+    vorel* handle = open(64, 48);
+    ASSERT_NE(handle, nullptr);
+    TestFrame frame(64, 48);
+    const std::vector<uint8_t> before = frame.bytes();
+    run(handle, &frame, 640, level[0] == '4' ? VOREL_FMT_NM21 : VOREL_FMT_NV21);
+    vorel_deinit(handle);
+    std::map<std::string, size_t> expected;
+    if (level[0] >= '3') {
+      expected["input_64_48_0_640.nv21"] = 64 * 48 * 3 / 2;
+      EXPECT_EQ(content("input_64_48_0_640.nv21"), std::string(before.begin(), before.end()));
+    }
+    if (level[0] >= '4') {
+      expected["output_64_48_0_640.nv21"] = 64 * 48 * 3 / 2;
+      const std::vector<uint8_t> after = frame.bytes();
+      EXPECT_EQ(content("output_64_48_0_640.nv21"), std::string(after.begin(), after.end()));
+    }
+    EXPECT_EQ(files(), expected) << "level " << level;
+  }
+}
+
+// One contiguous NV21 block, and an odd height, whose file is half a chroma row longer.
+TEST_F(DumpTest, FrameDumpReadsOnlyThePlanes) {
+  const ScopedEnv variable(kDebugVariable, "3");
+  use_tuning(R"({"enableNoiseIndex": 0, "enable": 0, "MFD_UV_tuning": {"enable": 0}})");
+  for (int height : {16, 17}) {
+    vorel* handle = open(16, height);
+    ASSERT_NE(handle, nullptr);
+    const TestFrame source(16, height);
+    const std::vector<uint8_t> bytes = source.bytes();
+    GuardedPlane<uint8_t> block(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), block.data());
+    vorel_run(handle, block.data(), block.data() + 16 * height, 16, height, VOREL_FMT_NV21, 1);
+    std::string expected(bytes.begin(), bytes.end());
+    expected.resize(static_cast<size_t>(height) * 24);
+    EXPECT_EQ(content("input_16_" + std::to_string(height) + "_0_1.nv21"), expected);
+    vorel_deinit(handle);
+  }
+}
+
+TEST_F(DumpTest, PackedAndUnknownFrames) {
+  const ScopedEnv variable(kDebugVariable, "3");
+  use_tuning(kBothPaths);
+  GuardedPlane<uint8_t> packed(16 * 16 * 2);
+  for (const auto& [format, dumped] : {std::pair(VOREL_FMT_YUYV, 1), std::pair(0x41424344, 0)}) {
+    vorel* handle = open(16, 16);
+    ASSERT_NE(handle, nullptr);
+    log_.clear();
+    vorel_run(handle, packed.data(), nullptr, 16, 16, format, 640);
+    EXPECT_EQ(log_.count("Dump input image to file(YUYV)"), dumped);
+    EXPECT_EQ(log_.count("Image dumper doesn't support this input format"), 1 - dumped);
+    vorel_deinit(handle);
+  }
+  EXPECT_EQ(files().at("input_16_16_0_640.yuyv"), 512u);
+}
+
+TEST_F(DumpTest, PlaneLevelWritesEveryPlane) {
+  const ScopedEnv variable(kDebugVariable, "5");
+  use_tuning(kBothPaths);
+  vorel* handle = open(128, 72);
+  ASSERT_NE(handle, nullptr);
+  TestFrame frame(128, 72);
+  run(handle, &frame);
+  vorel_deinit(handle);
+  // Chroma 64 x 36, bordered 128 x 100, subbands 64 x 50 and 32 x 25.
+  std::map<std::string, size_t> expected{{"input_128_72_0_640.nv21", 128 * 72 * 3 / 2},
+                                         {"output_128_72_0_640.nv21", 128 * 72 * 3 / 2},
+                                         {"d_U_8_5.raw", 40},
+                                         {"d_V_8_5.raw", 40},
+                                         {"Y_128_72.raw", 128 * 72},
+                                         {"d_Y_low_8_5.raw", 40},
+                                         {"Y_high_128_80.raw", 128 * 80},
+                                         {"f_Y_low_8_5.raw", 40},
+                                         {"f_U_8_5.raw", 40},
+                                         {"f_V_8_5.raw", 40},
+                                         {"u_Y_low_128_80.raw", 128 * 80},
+                                         {"u_U_64_40.raw", 64 * 40},
+                                         {"u_V_64_40.raw", 64 * 40},
+                                         {"MFD_UV_128_36.raw", 128 * 36}};
+  for (const std::string plane : {"U_", "V_"}) {
+    expected["p_" + plane + "128_100.raw"] = 128 * 100 * 2;
+    expected["dS_" + plane + "128_100.raw"] = 128 * 100 * 2;
+    expected["dS_" + plane + "64_36_crop.raw"] = 64 * 36 * 2;
+    expected["dH_" + plane + "32_25.raw"] = 32 * 25 * 2;
+    expected["dH_" + plane + "16_9_crop.raw"] = 16 * 9 * 2;
+    for (int band = 0; band < 7; ++band) {
+      const std::string name = "fW_" + std::to_string(band) + "_" + plane;
+      expected[name + (band < 4 ? "32_25.raw" : "64_50.raw")] = band < 4 ? 1600 : 6400;
+      expected[name + (band < 4 ? "16_9_crop.raw" : "32_18_crop.raw")] = band < 4 ? 288 : 1152;
+    }
+  }
+  EXPECT_EQ(files(), expected);
+  // Contents that can be told from the frame.
+  const TestFrame original(128, 72);
+  EXPECT_EQ(static_cast<uint8_t>(content("d_U_8_5.raw")[9]), original.uv[8 * 128 + 16]);
+  EXPECT_EQ(static_cast<uint8_t>(content("d_V_8_5.raw")[9]), original.uv[8 * 128 + 17]);
+  EXPECT_EQ(content("MFD_UV_128_36.raw"),
+            std::string(frame.uv.data(), frame.uv.data() + frame.uv.size()));
+  EXPECT_EQ(content("Y_128_72.raw"),
+            std::string(original.y.data(), original.y.data() + original.y.size()));
+}
+
+TEST_F(DumpTest, ElapsedTime) {
+  timeval past;
+  set_current_time(&past);
+  past.tv_sec -= 2;
+  const int64_t usec = get_elapsed_time_usec(&past);
+  EXPECT_GE(usec, 2000000);
+  EXPECT_LT(usec, 60000000);
+  EXPECT_GE(get_elapsed_time_msec(&past), 2000);
+  past.tv_sec += 3600;  // the clock was set back
+  EXPECT_LT(get_elapsed_time_usec(&past), 0);
+}
+
+}  // namespace

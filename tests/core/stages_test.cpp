@@ -1,0 +1,208 @@
+#include "core/stages.h"
+
+#include <algorithm>
+#include <memory>
+#include <numeric>
+
+#include "tests/core/handle_fixture.h"
+
+namespace {
+
+// A record with every plane in place and no pool.
+class Record {
+ public:
+  Record(int width, int height, uint32_t format = VOREL_FMT_NM21) : frame_(width, height) {
+    handle_ = vorel_init(width, height, 0, 0);
+    run_ = std::make_unique<vorel_thread>();
+    std::memset(static_cast<void*>(run_.get()), 0, sizeof(vorel_thread));
+    handle_->tuning.enableNoiseIndex = 0;
+    run_->width = width;
+    run_->height = height;
+    run_->aligned_height = handle_->aligned_height;
+    run_->format = format;
+    run_->tuning = &handle_->tuning;
+    run_->in_address_1 = run_->out_address_1 = run_->y_source = frame_.y.data();
+    run_->in_address_2 = run_->out_address_2 = frame_.uv.data();
+    run_->y_low = handle_->y_low;
+    run_->y_high = handle_->y_high;
+    run_->downsampled_y = handle_->downsampled_y;
+    run_->downsampled_u = handle_->downsampled_u;
+    run_->downsampled_v = handle_->downsampled_v;
+    run_->filtered_y = handle_->filtered_y;
+    run_->filtered_u = handle_->filtered_u;
+    run_->filtered_v = handle_->filtered_v;
+    run_->upsampled_u = handle_->upsampled_u;
+    run_->upsampled_v = handle_->upsampled_v;
+    for (box_filter_job& job : run_->box_jobs) {
+      job.tuning = &handle_->tuning.boxfiltering_tuning;
+    }
+    for (interleave_job& job : run_->interleave_jobs) {
+      job.tuning = &handle_->tuning.interleaving_tuning;
+    }
+  }
+  ~Record() { vorel_deinit(handle_); }
+  Record(const Record&) = delete;
+  Record& operator=(const Record&) = delete;
+
+  vorel_thread* get() { return run_.get(); }
+  vorel_thread* operator->() { return run_.get(); }
+  TestFrame& frame() { return frame_; }
+  cnr_tuning& tuning() { return handle_->tuning; }
+
+ private:
+  TestFrame frame_;
+  vorel* handle_;
+  std::unique_ptr<vorel_thread> run_;
+};
+
+class StagesTest : public HandleTest {};
+
+TEST_F(StagesTest, BoxStripsCoverTheHeight) {
+  const struct {
+    int height;
+    int strip;
+    int last;
+  } cuts[] = {{1080, 16, 72}, {720, 11, 27}, {50, 0, 50}, {64, 1, 1}, {2, 0, 2}};
+  for (const auto& cut : cuts) {
+    Record run(48, cut.height);
+    fill_box_filter_jobs(run.get());
+    int row = 0;
+    for (int i = 0; i < kBoxFilterJobs; ++i) {
+      const box_filter_job& job = run->box_jobs[i];
+      EXPECT_EQ(job.row_first, i + 1 < 64 ? row : 63 * cut.strip);
+      EXPECT_EQ(job.row_end - job.row_first, i + 1 < 64 ? cut.strip : cut.last);
+      EXPECT_EQ(job.row_limit, cut.height);
+      EXPECT_EQ(job.width, 48);
+      EXPECT_EQ(job.stride, 48);
+      row = job.row_end;
+    }
+    EXPECT_EQ(row, cut.height);
+  }
+  Record packed(48, 50, VOREL_FMT_YUYV);
+  fill_box_filter_jobs(packed.get());
+  EXPECT_EQ(packed->box_jobs[0].row_limit, 64);
+}
+
+TEST_F(StagesTest, InterleaveStripsPointIntoThePlanes) {
+  Record run(48, 1080);
+  run.tuning().mfd_uv_tuning.enable = 1;
+  std::vector<_Float16> half(2 * (24 + 64) * (540 + 64));
+  run->mfd_u = half.data();
+  run->mfd_v = half.data() + half.size() / 2;
+  run->mfd_width = 24 + 64;
+  fill_interleave_jobs(run.get());
+  const interleave_job& second = run->interleave_jobs[1];
+  EXPECT_EQ(second.rows, 16);
+  EXPECT_EQ(second.y_low - run->y_low, 16 * 48);
+  EXPECT_EQ(second.y_out - run->out_address_1, 16 * 48);
+  EXPECT_EQ(second.upsampled_v - run->upsampled_v, 8 * 24);
+  EXPECT_EQ(second.uv_in - run->in_address_2, 8 * 48);
+  EXPECT_EQ(second.mfd_u - run->mfd_u, (32 + 8) * 88 + 32);
+  EXPECT_EQ(second.uv_out, nullptr);
+  EXPECT_EQ(run->interleave_jobs[63].rows, 72);
+
+  // With a zero threshold the restore step writes nothing, so chroma stays in the frame.
+  for (int32_t interleaving_tuning::* threshold :
+       {&interleaving_tuning::d_UV_thresh, &interleaving_tuning::d_Y_upper_thresh}) {
+    const int32_t kept = run.tuning().interleaving_tuning.*threshold;
+    run.tuning().interleaving_tuning.*threshold = 0;
+    fill_interleave_jobs(run.get());
+    EXPECT_EQ(run->interleave_jobs[1].uv_out - run->out_address_2, 8 * 48);
+    run.tuning().interleaving_tuning.*threshold = kept;
+  }
+
+  Record low(48, 720);
+  fill_interleave_jobs(low.get());
+  EXPECT_EQ(low->interleave_jobs[62].rows, 0);
+  EXPECT_EQ(low->interleave_jobs[63].rows, 720);
+  EXPECT_EQ(low->interleave_jobs[63].y_low, low->y_low);
+
+  Record packed(48, 1080, VOREL_FMT_YUY2);
+  std::vector<uint8_t> frame(48 * 1080 * 2);
+  packed->packed_out = frame.data();
+  fill_interleave_jobs(packed.get());
+  EXPECT_EQ(packed->interleave_jobs[2].packed - frame.data(), 32 * 48 * 2);
+  EXPECT_EQ(packed->interleave_jobs[2].upsampled_u - packed->upsampled_u, 32 * 24);
+}
+
+TEST_F(StagesTest, UnknownFormatFails) {
+  Record run(48, 48, 0x30313233);
+  EXPECT_EQ(vorel_deinterleave(run.get()), -1);
+  EXPECT_EQ(log_.count("vorel_run, Not supported format"), 1);
+  EXPECT_EQ(vorel_interleave(run.get()), -1);
+  EXPECT_EQ(log_.count("vorel_interleave, Not supported format"), 1);
+  vorel_u_job(run.get());
+  EXPECT_EQ(log_.count("vorel_u, Not supported format"), 1);
+  interleave_job job{};
+  job.format = 0x30313233;
+  vorel_interleave_thread_func(&job);
+  EXPECT_EQ(log_.count("vorel_interleave_thread_func, Not supported format"), 1);
+}
+
+TEST_F(StagesTest, WithoutWorkersThePixelsStay) {
+  Record run(48, 100);
+  run.tuning().mfd_uv_tuning.enable = 0;
+  const std::vector<uint8_t> before = run.frame().bytes();
+  EXPECT_EQ(vorel_deinterleave(run.get()), 0);
+  EXPECT_EQ(vorel_box_filter(run.get()), 0);
+  EXPECT_EQ(vorel_yuv(run.get()), 0);
+  EXPECT_EQ(vorel_interleave(run.get()), 0);
+  EXPECT_EQ(run.frame().bytes(), before);
+  for (const char* name :
+       {"vorel_deinterleave", "vorel_box_filter", "vorel_yuv", "vorel_interleave"}) {
+    EXPECT_EQ(log_.count(name), 1);
+  }
+}
+
+TEST_F(StagesTest, LumaIsSampledAtBlockCorners) {
+  Record run(48, 50);
+  for (int row = 0; row < 64; ++row) {
+    for (int col = 0; col < 48; ++col)
+      run->y_low[row * 48 + col] = static_cast<uint8_t>(row * 3 + col);
+  }
+  y_low_downsample(run.get());
+  const std::vector<uint8_t> expected{0, 16, 32, 48, 64, 80, 96, 112, 128, 144, 160, 176};
+  EXPECT_EQ(std::vector<uint8_t>(run->downsampled_y, run->downsampled_y + 12), expected);
+}
+
+// The whole spatial path from kernels called once for the whole plane (the box filter in its
+// strips), and from the strips in any order, against what vorel_run makes of the same frame.
+TEST_F(StagesTest, StripsInAnyOrderGiveTheFrame) {
+  use_tuning(kSpatialOnly);
+  for (const auto& [width, height] :
+       {std::pair(80, 2050), std::pair(48, 1025), std::pair(64, 100)}) {
+    SCOPED_TRACE(std::to_string(width) + "x" + std::to_string(height));
+    TestFrame expected(width, height);
+    vorel* handle = open(width, height);
+    HandleTest::run(handle, &expected);
+    vorel_deinit(handle);
+
+    std::mt19937 random(7);
+    for (bool whole : {true, false}) {
+      Record run(width, height);
+      run.tuning().mfd_uv_tuning.enable = 0;
+      vorel_deinterleave(run.get());
+      fill_box_filter_jobs(run.get());
+      std::vector<int> order(64);
+      std::iota(order.begin(), order.end(), 0);
+      std::shuffle(order.begin(), order.end(), random);
+      for (int i : order) box_filter_col(&run->box_jobs[i]);
+      y_low_downsample(run.get());
+      vorel_v_job(run.get());
+      vorel_u_job(run.get());
+      vorel_y_job(run.get());
+      if (whole) {
+        restore_interleave_yuv420_neon(run->in_address_1, run->in_address_2, run->y_low,
+                                       run->y_high, run->upsampled_u, run->upsampled_v, width,
+                                       height, run->out_address_1, run->out_address_2,
+                                       &run.tuning().interleaving_tuning);
+      } else {
+        fill_interleave_jobs(run.get());
+        for (int i : order) vorel_interleave_thread_func(&run->interleave_jobs[i]);
+      }
+      EXPECT_EQ(run.frame().bytes(), expected.bytes());
+    }
+  }
+}
+
+}  // namespace
