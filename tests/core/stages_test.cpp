@@ -1,6 +1,7 @@
 #include "core/stages.h"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <numeric>
 
