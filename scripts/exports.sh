@@ -29,7 +29,7 @@ write_map() {
   echo "  global:"
   while read -r name; do
     printf '    %s;  # %s\n' "$name" "$(llvm-cxxfilt-19 "$name")"
-  done
+  done | sort -t '#' -k 2
   echo "  local:"
   echo "    *;"
   echo "};"

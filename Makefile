@@ -1,0 +1,48 @@
+# The door. Everything is built under build/ by the CMake presets; results go to out/.
+.PHONY: help demo test bench check test-arm format install
+.DEFAULT_GOAL := help
+
+JOBS ?= $(shell nproc)
+PREFIX ?= /usr/local
+
+help:
+	@echo 'make demo      denoise the sample picture, show the figures, write out/demo/*.png'
+	@echo 'make test      build and run the tests on this machine'
+	@echo 'make bench     benchmarks as a table; BENCH_ARGS=--benchmark_filter=... chooses'
+	@echo 'make check     every check (scripts/check.sh runs single ones)'
+	@echo 'make test-arm  build for 64-bit Arm and run the tests in emulation'
+	@echo 'make format    lay out the sources with clang-format'
+	@echo 'make install   library, headers, command and tuning files to PREFIX (/usr/local)'
+
+demo: build-host
+	scripts/demo.sh build/host
+
+test: build-host
+	ctest --preset host --parallel $(JOBS)
+
+bench: build-host
+	build/host/bench/vorel_bench $(BENCH_ARGS)
+
+check:
+	scripts/setup.sh build check arm
+	scripts/check.sh all
+
+test-arm:
+	scripts/setup.sh build arm
+	cmake --preset aarch64
+	cmake --build --preset aarch64
+	ctest --preset aarch64 --parallel $(JOBS)
+	ctest --preset aarch64-a76 --parallel $(JOBS)
+
+format:
+	scripts/setup.sh check
+	git ls-files -z -- '*.h' '*.c' '*.cpp' | xargs -0 clang-format-19 -i
+
+install: build-host
+	cmake --install build/host --prefix $(DESTDIR)$(PREFIX)
+
+.PHONY: build-host
+build-host:
+	scripts/setup.sh build
+	cmake --preset host
+	cmake --build --preset host
