@@ -14,6 +14,16 @@ struct wavelet_config {
   uint32_t range[3][2];
 };
 
+/// Sets the values of the three levels and the ranges that follow from them.
+inline void fill_wavelet_config(wavelet_config* config, int l0, int l1, int l2) {
+  const int values[3] = {l0, l1, l2};
+  for (int i = 0; i < 3; ++i) {
+    config->level[i] = static_cast<uint32_t>(values[i]);
+    config->range[i][0] = values[i] == 2 ? 4 : 0;
+    config->range[i][1] = values[i] == 2 ? 8 : 7;
+  }
+}
+
 /// Selects one end of a subband range.
 enum wtSubbandRange { WT_SUBBAND_FIRST = 0, WT_SUBBAND_LAST = 1 };
 
