@@ -7,6 +7,8 @@
 #include "vorel/export.h"
 #include "vorel/wavelet/buffer.h"
 
+struct plane_scratch;  // memory that somebody lends; internal
+
 /// Splits a plane into seven subbands of its own size and rebuilds it. `lo`, `hi`, `src` and `out`
 /// are dense planes of `width` columns x `height` rows; inputs and outputs must not overlap.
 /// A tap outside the plane adds nothing. Samples that a kernel does not write keep what they held.
@@ -59,10 +61,18 @@ class VOREL_EXPORT HaarTransform {
   void inverseUnHaarRunAllSubbands(buffer* subbands, buffer* out, unsigned int width,
                                    unsigned int height);
 
-  /// 0..17 analysis, 70..79 synthesis; the entries between are not used.
+  /// 0..17 analysis, 70..79 synthesis; the entries between are not used. The level-1 and
+  /// directional analysis has the values of entries 0..3 and 10..17 built in and reads them only at
+  /// the edges.
   _Float16 taps[kTapCount];
 
  private:
+  friend class Denoise;
+
+  // The same with the working planes taken from `scratch` as far as it reaches.
+  __attribute__((visibility("hidden"))) bool setup(int width, int height, int debug, char* path,
+                                                   plane_scratch* scratch);
+
   buffer lowScratch_;
   buffer highScratch_;
   buffer directional_;

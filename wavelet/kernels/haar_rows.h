@@ -1,0 +1,36 @@
+// Rows of the undecimated Haar transform.
+#ifndef VOREL_WAVELET_KERNELS_HAAR_ROWS_H_
+#define VOREL_WAVELET_KERNELS_HAAR_ROWS_H_
+
+// A row of samples and the tap that weighs it. A row shifted by some columns serves a filter along
+// the row, the rows of several heights serve one along the columns.
+template <typename Sample>
+struct tapped_row {
+  const Sample* samples;
+  _Float16 tap;
+};
+
+inline constexpr int kMaxTappedRows = 8;
+
+// out[x] = ((start + tap0 * row0[x]) + tap1 * row1[x] + ...) * scale, every operation rounded.
+// `rows` has 1 to kMaxTappedRows entries. A start of -0 changes no sum, not even one that is -0;
+// a start of +0 turns -0 into +0. `out` overlaps no row. Samples are bytes or half-precision.
+template <typename Sample>
+void sum_tapped_rows(const tapped_row<Sample>* rows, int row_count, _Float16 start, _Float16 scale,
+                     _Float16* out, int width);
+
+// Level-1 pair of the samples `near` and `far`: the sums from +0 with the taps (t, t) and (-t, t),
+// t = 0.70703125. Outputs overlap no input and not each other; the same below.
+template <typename Sample>
+void split_level1_row(const Sample* near, const Sample* far, _Float16* lo, _Float16* hi, int width);
+
+// Directional pair of four neighbours in order: the sums from +0 with the taps (h, h, h, h) and
+// (-h, -h, h, h), h = 0.5.
+template <typename Sample>
+void split_directional_row(const Sample* before, const Sample* at, const Sample* after,
+                           const Sample* second_after, _Float16* lo, _Float16* hi, int width);
+
+// out[x] = a[x] + b[x].
+void add_rows(const _Float16* a, const _Float16* b, _Float16* out, int width);
+
+#endif  // VOREL_WAVELET_KERNELS_HAAR_ROWS_H_
