@@ -55,6 +55,24 @@ void describe_padded(buffer* plane, uint32_t kind, wavelet_size inner) {
   plane->innerHeight = inner.height;
 }
 
+// Bytes that a plane takes of a lent area.
+size_t plane_bytes(wavelet_size size) {
+  return (size_t{size.width} * size.height * sizeof(_Float16) + 7) & ~size_t{7};
+}
+
+bool holds_plane(const plane_scratch& scratch, wavelet_size size) {
+  return scratch.remaining_bytes >= plane_bytes(size);
+}
+
+// Cuts `bytes` (a multiple of 8) off an area to lend them on; nothing when there are fewer.
+buffer lend_part(plane_scratch* scratch, size_t bytes) {
+  plane_scratch part{scratch->cursor, bytes};
+  if (scratch->remaining_bytes < bytes) return rest_of({nullptr, 0});
+  scratch->cursor += bytes;
+  scratch->remaining_bytes -= bytes;
+  return rest_of(part);
+}
+
 // Writes a half-precision plane, whole and without `margin` samples on each side.
 void dump_whole_and_cropped(const char* path, const char* prefix, const buffer& plane,
                             uint32_t margin) {
@@ -121,26 +139,15 @@ bool ChromaPostProcess::reserveStorage(const buffer* borrow) {
   for (buffer(&planes)[kSubbands] : subbands_) {
     for (int i = 0; i < kSubbands; ++i) {
       const wavelet_size size = i < 4 ? uvL2SizeB_ : uvL1SizeB_;
-      const size_t bytes = size_t{size.width} * size.height * sizeof(_Float16);
-      plane_scratch* from = lent[2].remaining_bytes >= bytes + 7 ? &lent[2] : &lent[3];
+      plane_scratch* from = holds_plane(lent[2], size) ? &lent[2] : &lent[3];
       reserved = take_plane(&planes[i], from, size.height, size.width) && reserved;
     }
   }
-  // The Haar steps come before the saturation, so the first of them may use the staging area. The
-  // second takes its own part of what is left; the transform gets the rest.
+  // The Haar steps come before the saturation, so the first plane's may use the staging area; the
+  // second plane's gets its own part of what is left, and the transform the rest.
   haarScratch_[0] = staging_;
-  plane_scratch* rest = lent[3].remaining_bytes > lent[2].remaining_bytes ? &lent[3] : &lent[2];
-  haarScratch_[1] = rest_of(*rest);
-  const size_t haar_bytes =
-      size_t{uvL2SizeB_.height} * kHaarPlanes * uvL2SizeB_.width * 2 + 8 * kHaarPlanes;
-  if (rest->remaining_bytes > haar_bytes) {
-    haarScratch_[1].height = 1;
-    haarScratch_[1].width = static_cast<uint32_t>((haar_bytes + 7) & ~size_t{7});
-    rest->cursor += haarScratch_[1].width;
-    rest->remaining_bytes -= haarScratch_[1].width;
-  } else {
-    rest->remaining_bytes = 0;
-  }
+  haarScratch_[0].height *= sizeof(_Float16);  // lent areas are counted in bytes
+  haarScratch_[1] = lend_part(&lent[3], kHaarPlanes * plane_bytes(uvL2SizeB_));
   sym4Scratch_[0] = rest_of(lent[2]);
   sym4Scratch_[1] = rest_of(lent[3]);
   return reserved;
