@@ -10,6 +10,7 @@ set(VOREL_PLATFORM_ANDROID_SOURCES
   platform/android/directories.cpp)
 set(VOREL_THREADING_SOURCES
   threading/affinity.cpp
+  threading/job_queue.cpp
   threading/thread_pool.cpp
   threading/tiles.cpp)
 set(VOREL_TUNING_SOURCES
@@ -52,6 +53,7 @@ set(VOREL_WAVELET_SOURCES
   wavelet/haar_inverse.cpp
   wavelet/plane_storage.cpp
   wavelet/sym4_transform.cpp
+  wavelet/sym4_walk.cpp
   wavelet/kernels/border_rows.cpp
   wavelet/kernels/haar_rows.cpp
   wavelet/kernels/saturation_rows.cpp

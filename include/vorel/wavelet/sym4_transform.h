@@ -20,7 +20,9 @@ class VOREL_EXPORT Sym4Transform {
   /// Takes the working planes of levels 1 and 2 from the two scratch records `scratch[0..1]`, or
   /// from the heap. `halfWidth` and `quarterHeight` are half the padded width and half the padded
   /// height. The first argument is stored and not used. `scratch` may be null: all from the heap.
-  void setup(int width, int height, int halfWidth, int quarterHeight, int debug, char* path,
+  /// The planes stay untouched except for a few rows, so fresh heap memory costs little. Returns
+  /// false (logged) when memory is short; then only `deallocate` may follow.
+  bool setup(int width, int height, int halfWidth, int quarterHeight, int debug, char* path,
              ThreadPool* pool, buffer* scratch);
   void deallocate();
 
@@ -32,9 +34,11 @@ class VOREL_EXPORT Sym4Transform {
   void fwt(_Float16* src, _Float16* lo, _Float16* hi, int width, int height);
   /// `height` rows give height / 2 low and height / 2 high rows.
   void fwtVert(_Float16* src, _Float16* lo, _Float16* hi, int width, int height);
-  /// The rows [rowFirst, rowEnd) of `fwt`. Bands may run at the same time.
+  /// The rows [rowFirst, rowEnd) of `fwt`, counted in the whole planes that the pointers name.
+  /// Bands may run at the same time.
   void fwt(_Float16* src, _Float16* lo, _Float16* hi, int width, int rowFirst, int rowEnd);
-  /// The output rows [rowFirst, rowEnd) of `fwtVert` over a plane of `height` rows.
+  /// The output rows [rowFirst, rowEnd) of `fwtVert` over a plane of `height` rows, as far as they
+  /// are written at all.
   void fwtVert(_Float16* src, _Float16* lo, _Float16* hi, int width, int height, int rowFirst,
                int rowEnd);
 
@@ -48,12 +52,14 @@ class VOREL_EXPORT Sym4Transform {
 
   /// Decomposes a plane of `width` x `height` samples with the working planes of `level` (1 or 2)
   /// into subbands[0..6], or [4..7] when the level's value is not 4. Runs on the calling thread;
-  /// the pool is not used.
+  /// the pool is not used. Two levels may run at the same time. Subband 6 may be read before it is
+  /// written, where rows reach over the edge of the plane.
   void forwardWtRun(buffer* src, buffer* subbands, unsigned int width, unsigned int height,
                     unsigned int level, ThreadPool* pool);
 
   /// Rebuilds a plane of `width` x `height` samples from `band0` as low band and the details in
-  /// subbands[1..6]. subbands[0] and [7] are not read.
+  /// subbands[1..6]. subbands[0] and [7] are not read. The rows of `out` next to its upper and
+  /// lower edge, which follow from undefined samples, may be written or not.
   void inverseWtDifferentSband0Run(buffer* band0, buffer* subbands, buffer* out, unsigned int width,
                                    unsigned int height, unsigned int level);
 
@@ -63,6 +69,11 @@ class VOREL_EXPORT Sym4Transform {
     buffer high;
     buffer intermediate;
   };
+
+  const plane_group* readyGroup(const char* name, unsigned int level, unsigned int width,
+                                unsigned int height);
+  void inversePasses(const plane_group& group, buffer* band0, buffer* subbands, buffer* out,
+                     int width, int height, bool twoDecompositions);
 
   wavelet_config config_;
   int32_t width_;
