@@ -12,8 +12,9 @@ class VOREL_EXPORT BorderHandler {
   static BorderHandler* getInstance();
 
   /// Converts interleaved 8-bit pairs to the rows [rowBegin, rowEnd) of two bordered planes.
-  /// `in`: innerHeight rows of innerWidth pairs; its `width` is the bytes per row. Rows are counted
-  /// in bordered coordinates. Both outputs have the same geometry.
+  /// `in`: at least as many rows and pairs as the inner area of the outputs; its `width` is the
+  /// bytes per row. Rows are counted in bordered coordinates. Both outputs have the same geometry;
+  /// with an empty inner area nothing is written.
   void runCopyAndPad(const buffer* in, buffer* first, buffer* second, unsigned rowBegin,
                      unsigned rowEnd);
 
