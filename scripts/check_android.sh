@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# What can be said about the Android build without Android's tools: Android.bp is well formed and
+# lists what CMake lists, the sources keep to what Android 11 has, and the library compiles in its
+# Android form with the compiler flags of the platform build. The form is linked against this
+# machine's Arm libraries, with a stand-in for property_get; it is looked at, not run.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/check_android.py
+
+build=build/android-form
+flags='-D__ANDROID__ -D__ANDROID_API__=30 -Werror=date-time -ftrivial-auto-var-init=pattern'
+flags+=' -isystem /usr/include/android'
+mkdir -p "$build"
+echo 'int property_get(const char *k, char *v, const char *d) { (void)k; (void)v; (void)d; return 0; }' |
+  clang-19 --target=aarch64-linux-gnu -fuse-ld=lld -shared -nostdlib -x c - -o "$build/libcutils.so"
+if ! {
+  cmake --preset aarch64 -B "$build" -DANDROID=ON -DCMAKE_CXX_FLAGS="$flags" \
+    -DAndroidLog_LIBRARY=/usr/lib/aarch64-linux-gnu/android/liblog.so \
+    -DCUTILS_LIBRARY="$PWD/$build/libcutils.so" -DCUTILS_INCLUDE_DIR=/usr/include/android \
+    -DVOREL_BUILD_TOOLS=OFF -DVOREL_BUILD_TESTS=OFF -DVOREL_BUILD_BENCH=OFF
+  cmake --build "$build"
+} >"$build.log" 2>&1; then
+  tail -n 60 "$build.log"
+  echo "android: the Android form does not build; whole log in $build.log" >&2
+  exit 1
+fi
+scripts/exports.sh check "$build"
+scripts/check_elf.sh "$build" libvorel.so
+if strings "$build/libvorel.so" | grep -E 'VOREL_(FIRMWARE|DUMP)_DIR'; then
+  echo "android: the Android form can be told other directories" >&2
+  exit 1
+fi

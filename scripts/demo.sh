@@ -1,0 +1,61 @@
+#!/usr/bin/env bash
+# Shows what the library does to a picture whose clean form is known: the sample picture is made
+# noisy as a camera would at two gains, denoised by the spatial path alone and by both paths, and
+# compared with the clean one. Figures go to the terminal, pictures to out/demo/.
+#   scripts/demo.sh BUILD_DIR
+# Ends with status 1 when denoising does not bring a picture nearer to the clean one.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+vorel=$1/tools/vorel
+clean=samples/meadow.jpg
+tuning=tuning/samples/vorel_NOTHING.json
+out=out/demo
+# Saturated colour, fine detail and a dark part.
+crop=${DEMO_CROP:-1100,500,480,360}
+mkdir -p "$out"
+
+# The figures of one picture, "U V CIEDE2000", from the JSON of `vorel compare`.
+figures() {
+  awk -v file="\"$2\"" '
+    index($0, "\"file\": " file) { here = 1 }
+    here && /"psnr_u"/ { gsub(/[^0-9.]/, ""); u = $0 }
+    here && /"psnr_v"/ { gsub(/[^0-9.]/, ""); v = $0 }
+    here && /"ciede2000"/ { match($0, /[0-9.]+[^0-9.]*$/); e = substr($0, RSTART); sub(/[^0-9.].*/, "", e) }
+    here && /}/ { print u, v, e; exit }' "$1"
+}
+
+# Both chroma planes nearer to the truth, and colours less different from it.
+is_nearer() {
+  awk -v "after=$1" -v "before=$2" 'BEGIN {
+    split(after, a); split(before, b)
+    exit !(a[1] > b[1] && a[2] > b[2] && a[3] < b[3]) }'
+}
+
+printf '%-6s %-13s %12s %12s %15s\n' gain picture 'PSNR U, dB' 'PSNR V, dB' 'CIEDE2000, mean'
+failed=0
+for gain in ${DEMO_GAINS:-8 32}; do
+  base=$out/gain$gain
+  "$vorel" noise "$clean" -o "${base}_noisy.png" --gain "$gain" --seed 1 --force >"$out/log"
+  denoise=("$vorel" denoise "${base}_noisy.png" --tuning "$tuning" --noise-index $((100 * gain)) --force)
+  "${denoise[@]}" -o "${base}_spatial.png" --no-wavelet >>"$out/log"
+  "${denoise[@]}" -o "${base}_full.png" >>"$out/log"
+  pictures=("${base}_noisy.png" "${base}_spatial.png" "${base}_full.png")
+  "$vorel" compare "${pictures[@]}" --truth "$clean" --json >"$base.json"
+  "$vorel" compare "${pictures[@]}" --truth "$clean" --crop "$crop" --zoom 2 \
+    -o "${base}_side_by_side.png" --force >>"$out/log"
+
+  before=$(figures "$base.json" "${base}_noisy.png")
+  for form in noisy spatial full; do
+    now=$(figures "$base.json" "${base}_$form.png")
+    # shellcheck disable=SC2086  # three figures
+    printf '%-6s %-13s %12.2f %12.2f %15.2f\n' "$gain" "$form" $now
+    if [ "$form" != noisy ] && ! is_nearer "$now" "$before"; then
+      echo "demo: gain $gain, $form: no nearer to the clean picture than the noisy one" >&2
+      failed=1
+    fi
+  done
+done
+echo
+echo "noisy | spatial path only | both paths | clean, twice enlarged:"
+ls "$out"/*_side_by_side.png
+exit $failed
