@@ -1,30 +1,42 @@
 #!/usr/bin/env bash
 # The binary interface: what callers compiled against an older libvorel.so rely on. abi/libvorel.abi
-# holds sizes, members and signatures of everything exported (x86-64; 64-bit Arm Linux has the same).
+# holds sizes, members and signatures of everything exported, abi/records.abi the records that are
+# passed untyped (x86-64; 64-bit Arm Linux has the same).
 #   scripts/abi.sh check     the library as built now still has it
 #   scripts/abi.sh update    writes it anew, after a deliberate change
 set -euo pipefail
 cd "$(dirname "$0")/.."
-dump=abi/libvorel.abi
 
-current() {
-  if ! { cmake --preset abi && cmake --build --preset abi --target vorel; } >build/abi.log 2>&1; then
-    tail -n 60 build/abi.log >&2
-    return 1
-  fi
+# dump LIBRARY OUTPUT
+dump() {
   abidw --no-corpus-path --no-comp-dir-path --no-show-locs --no-elf-needed --drop-undefined-syms \
-    --exported-interfaces-only --drop-private-types --headers-dir include \
-    --out-file "$1" build/abi/libvorel.so
+    --exported-interfaces-only --drop-private-types --headers-dir include --out-file "$2" "$1"
 }
 
-[ $# -eq 1 ] || { sed -n '4,5s/^# \{0,1\}//p' "$0"; exit 1; }
+[ $# -eq 1 ] || { sed -n '5,6s/^# \{0,1\}//p' "$0"; exit 1; }
 mkdir -p build out
+if ! { cmake --preset abi && cmake --build --preset abi --target vorel vorel_records; } \
+  >build/abi.log 2>&1; then
+  tail -n 60 build/abi.log >&2
+  exit 1
+fi
+
 case $1 in
-  update) current "$dump" && echo "abi: wrote $dump; read the difference before you commit it" ;;
+  update)
+    dump build/abi/libvorel.so abi/libvorel.abi
+    dump build/abi/libvorel_records.so abi/records.abi
+    echo "abi: written; read the difference before you commit it"
+    ;;
   check)
-    current out/libvorel.abi
-    if ! abidiff --no-show-locs "$dump" out/libvorel.abi; then
-      echo "abi: differs from $dump. If that is meant: scripts/abi.sh update, and a line in" \
+    faults=0
+    for name in libvorel records; do
+      library=build/abi/libvorel.so
+      if [ $name = records ]; then library=build/abi/libvorel_records.so; fi
+      dump $library out/$name.abi
+      abidiff --no-show-locs abi/$name.abi out/$name.abi || faults=1
+    done
+    if [ $faults -ne 0 ]; then
+      echo "abi: differs from abi/*.abi. If that is meant: scripts/abi.sh update, and a line in" \
         "CHANGELOG.md; an incompatible change is a new major version" >&2
       exit 1
     fi

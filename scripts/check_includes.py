@@ -26,6 +26,7 @@ ALLOWED = {
     "core": [PUBLIC, "platform", "threading", "tuning", "filters", "convert", "wavelet"],
     "tools": [PUBLIC, "tuning/keys.h", "tuning/check.h"],
     "examples": [PUBLIC],
+    "abi": [PUBLIC],
     "tests": EVERYTHING,
     "bench": EVERYTHING,
     "fuzz": EVERYTHING,
