@@ -9,8 +9,10 @@ scripts/check_android.py
 
 build=build/android-form
 flags='-D__ANDROID__ -D__ANDROID_API__=30 -Werror=date-time -ftrivial-auto-var-init=pattern'
-flags+=' -isystem /usr/include/android'
-mkdir -p "$build"
+flags+=" -isystem /usr/include/android -isystem $PWD/$build/stand-in"
+mkdir -p "$build/stand-in/sys"
+# libcutils' header takes one number from bionic.
+echo '#define PROP_VALUE_MAX 92' >"$build/stand-in/sys/system_properties.h"
 echo 'int property_get(const char *k, char *v, const char *d) { (void)k; (void)v; (void)d; return 0; }' |
   clang-19 --target=aarch64-linux-gnu -fuse-ld=lld -shared -nostdlib -x c - -o "$build/libcutils.so"
 if ! {
