@@ -54,17 +54,19 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
   if (must_fail(FaultScope::Kind::kThreadCreate)) return EAGAIN;
   return __real_pthread_create(thread, attributes, function, argument);
 }
+
+// operator new(size_t, std::nothrow), single objects and arrays. Wrapped like the rest, because the
+// thread sanitizer defines the operators itself.
+void* __real__ZnwmRKSt9nothrow_t(size_t bytes, const std::nothrow_t& tag);
+void* __real__ZnamRKSt9nothrow_t(size_t bytes, const std::nothrow_t& tag);
+
+void* __wrap__ZnwmRKSt9nothrow_t(size_t bytes, const std::nothrow_t& tag) {
+  return must_fail(FaultScope::Kind::kAllocation) ? nullptr
+                                                  : __real__ZnwmRKSt9nothrow_t(bytes, tag);
 }
 
-// All forms come from here, so that each block is freed the way it was allocated.
-void* operator new(size_t bytes) {
-  void* block = __real_malloc(bytes > 0 ? bytes : 1);
-  if (block == nullptr) std::abort();
-  return block;
+void* __wrap__ZnamRKSt9nothrow_t(size_t bytes, const std::nothrow_t& tag) {
+  return must_fail(FaultScope::Kind::kAllocation) ? nullptr
+                                                  : __real__ZnamRKSt9nothrow_t(bytes, tag);
 }
-void* operator new(size_t bytes, const std::nothrow_t&) noexcept {
-  if (must_fail(FaultScope::Kind::kAllocation)) return nullptr;
-  return __real_malloc(bytes > 0 ? bytes : 1);
 }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, size_t) noexcept { std::free(block); }

@@ -1,0 +1,200 @@
+#include "vorel/thread_pool.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+#include "platform/log.h"
+#include "platform/thread_attributes.h"
+#include "threading/thread_pool_state.h"
+
+namespace {
+
+// A state with records for `count` workers, or null when memory is short.
+std::shared_ptr<thpool> make_state(int32_t count) {
+  const size_t records = static_cast<size_t>(count);
+  const size_t state_bytes = sizeof(thpool) + kSharedOverhead;
+  const size_t record_bytes = records * sizeof(thread);
+  void* state_block = std::malloc(state_bytes);
+  if (state_block == nullptr) return nullptr;
+  void* record_block = nullptr;
+  if (records > 0) {
+    record_block = std::malloc(record_bytes);
+    if (record_block == nullptr) {
+      std::free(state_block);
+      return nullptr;
+    }
+  }
+  std::shared_ptr<thpool> state =
+      std::allocate_shared<thpool>(PreparedAllocator<thpool>(state_block, state_bytes), records,
+                                   PreparedAllocator<thread>(record_block, record_bytes));
+  state->num_threads = count;
+  return state;
+}
+
+// Returns when `count` workers have started; no other has been or will be created.
+void wait_for_start(thpool* state, int32_t count) {
+  const ScopedLock lock(state->count_lock);
+  state->num_threads = count;
+  while (state->num_threads_alive != count) state->all_idle.wait(state->count_lock);
+}
+
+// Ends all workers, which have started, and drops the queued jobs. Their keep-alive flag is 0.
+void stop_workers(thpool* state) {
+  {
+    const ScopedLock lock(state->count_lock);
+    if (state->num_threads_alive != 0) state->queue.shutDown();
+    while (state->num_threads_alive != 0) state->all_exited.wait(state->count_lock);
+  }
+  state->queue.clear();
+}
+
+void report_start(thpool* state) {
+  const ScopedLock lock(state->count_lock);
+  ++state->num_threads_alive;
+  if (state->num_threads_alive == state->num_threads) state->all_idle.signal();
+}
+
+void report_end(thpool* state) {
+  const ScopedLock lock(state->count_lock);
+  --state->num_threads_alive;
+  if (state->num_threads_alive == 0) state->all_exited.signal();
+}
+
+// The busy count rises before the job leaves the queue and falls after it has run, so a job is
+// always visible in one of the two; and whenever the last one ends, the count falls to 0 under its
+// lock. That is why `wait` can neither return early nor miss its signal.
+void run_next_job(thpool* state) {
+  {
+    const ScopedLock lock(state->count_lock);
+    ++state->num_threads_working;
+  }
+  job* taken = state->queue.take();
+  if (taken != nullptr) {
+    taken->function(taken->argument);
+    std::free(taken);
+  }
+  const ScopedLock lock(state->count_lock);
+  --state->num_threads_working;
+  if (state->num_threads_working == 0) state->all_idle.signal();
+}
+
+}  // namespace
+
+ThreadPool::ThreadPool() : mKeepAlive(1) {}
+
+ThreadPool::~ThreadPool() = default;
+
+int ThreadPool::init(int numThreads, int affinityMask, int nameTag) {
+  VOREL_LOGI("ThreadPool::init - E");
+  if (mThreadPool) {
+    // Workers of an earlier start would outlive the only means to stop them.
+    mKeepAlive.store(0);
+    stop_workers(mThreadPool.get());
+  }
+  mKeepAlive.store(1);
+  const int32_t count = std::max(numThreads, 0);
+  mThreadPool = make_state(count);
+  if (!mThreadPool) {
+    VOREL_LOGE("Allocation failed for thread pool");
+    return -1;
+  }
+  for (int32_t i = 0; i < count; ++i) {
+    thread* record = &mThreadPool->workers[static_cast<size_t>(i)];
+    if (thread_init(record, i, this, affinityMask, nameTag) == 0) continue;
+    wait_for_start(mThreadPool.get(), i);
+    mKeepAlive.store(0);
+    stop_workers(mThreadPool.get());
+    mThreadPool.reset();
+    return -1;
+  }
+  wait_for_start(mThreadPool.get(), count);
+  VOREL_LOGI("ThreadPool::init - X");
+  return 0;
+}
+
+int ThreadPool::addWork(void* (*function)(void*), void* argument) {
+  if (!mThreadPool) {
+    VOREL_LOGE("mThreadPool is not initialized");
+    return -1;
+  }
+  if (!mThreadPool->queue.add(function, argument)) {
+    VOREL_LOGE("Allocation failed for new job");
+    return -1;
+  }
+  return 0;
+}
+
+int ThreadPool::wait() {
+  if (!mThreadPool) {
+    VOREL_LOGE("mThreadPool is not initialized");
+    return -1;
+  }
+  thpool* state = mThreadPool.get();
+  const ScopedLock lock(state->count_lock);
+  while (state->queue.length() != 0 || state->num_threads_working != 0) {
+    state->all_idle.wait(state->count_lock);
+  }
+  return 0;
+}
+
+int ThreadPool::num_threads_working() {
+  if (!mThreadPool) {
+    VOREL_LOGE("mThreadPool is not initialized");
+    return -1;
+  }
+  const ScopedLock lock(mThreadPool->count_lock);
+  return mThreadPool->num_threads_working;
+}
+
+void ThreadPool::deinit() {
+  VOREL_LOGI("ThreadPool::deinit - E");
+  if (!mThreadPool) return;
+  mKeepAlive.store(0);
+  stop_workers(mThreadPool.get());
+  mThreadPool.reset();
+  VOREL_LOGI("ThreadPool::deinit - X");
+}
+
+int ThreadPool::thread_init(thread* record, int index, ThreadPool* owner, int affinityMask,
+                            int nameTag) {
+  if (!mThreadPool) {
+    VOREL_LOGE("mThreadPool is not initialized");
+    return -1;
+  }
+  record->index = index;
+  record->state = mThreadPool;
+  record->owner = owner;
+  record->affinity_mask = static_cast<uint32_t>(affinityMask);
+  record->name_tag = nameTag;
+  const int error = pthread_create(&record->id, nullptr, thread_do, record);
+  if (error != 0) {
+    record->state.reset();
+    VOREL_LOGE("ThreadPool::thread_init, worker %d cannot be created, error %d", index, error);
+    return -1;
+  }
+  pthread_detach(record->id);
+  return 0;
+}
+
+void* ThreadPool::thread_do(void* record) {
+  thread* self = static_cast<thread*>(record);
+  // `deinit` goes on when the last worker has reported its end, which is before that worker has
+  // left the lock: its own share keeps the state until then.
+  const std::shared_ptr<thpool> state = std::move(self->state);
+  const ThreadPool* owner = self->owner;
+
+  char name[32];
+  std::snprintf(name, sizeof(name), "vorel-%d-%d", self->name_tag, self->index);
+  set_thread_name(name);
+  set_thread_affinity(self->affinity_mask);
+
+  report_start(state.get());
+  while (owner->mKeepAlive.load() != 0) {
+    state->queue.waitForJob();
+    if (owner->mKeepAlive.load() == 0) break;
+    run_next_job(state.get());
+  }
+  report_end(state.get());
+  return nullptr;
+}

@@ -1,0 +1,80 @@
+// What a ThreadPool shares with its workers.
+#ifndef VOREL_THREADING_THREAD_POOL_STATE_H_
+#define VOREL_THREADING_THREAD_POOL_STATE_H_
+
+#include <pthread.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <type_traits>
+#include <vector>
+
+#include "threading/job_queue.h"
+#include "threading/mutex.h"
+#include "vorel/thread_pool.h"
+
+// Record of one worker. All fields but `id` are set before the worker starts and then belong to
+// it; `id` belongs to the creator.
+struct thread {
+  int32_t index;
+  pthread_t id;
+  std::shared_ptr<thpool> state;  // handed over to the worker, which keeps it until it ends
+  ThreadPool* owner;              // holds the keep-alive flag
+  uint32_t affinity_mask;
+  int32_t name_tag;
+};
+
+// Room for what a shared pointer stores beside its object.
+inline constexpr size_t kSharedOverhead = 128;
+
+// Hands out one block of malloc that its user has checked beforehand. Without exceptions the
+// standard containers have no way to report that memory is short.
+template <typename T>
+class PreparedAllocator {
+ public:
+  using value_type = T;
+
+  PreparedAllocator(void* block, size_t bytes) : block_(block), bytes_(bytes) {}
+  template <typename U>
+  PreparedAllocator(const PreparedAllocator<U>& other)  // implicit, as containers expect it
+      : block_(other.block()), bytes_(other.bytes()) {}
+
+  T* allocate(size_t count) {
+    if (count > bytes_ / sizeof(T)) __builtin_trap();  // a second or a larger request: our fault
+    return static_cast<T*>(block_);
+  }
+  void deallocate(T* block, size_t) { std::free(block); }
+
+  void* block() const { return block_; }
+  size_t bytes() const { return bytes_; }
+
+  template <typename U>
+  bool operator==(const PreparedAllocator<U>& other) const {
+    return block_ == other.block();
+  }
+
+ private:
+  void* block_;
+  size_t bytes_;
+};
+
+// Lock order: `count_lock`, then the semaphore inside `queue`. `count_lock` and the queue's lock
+// are never held together.
+struct thpool {
+  thpool(size_t worker_count, const PreparedAllocator<thread>& allocator) : workers(allocator) {
+    if (worker_count > 0) workers.resize(worker_count);
+  }
+
+  std::vector<thread, PreparedAllocator<thread>> workers;
+  int32_t num_threads = 0;          // under count_lock, as the next two
+  int32_t num_threads_alive = 0;    // workers that have started and not ended
+  int32_t num_threads_working = 0;  // workers that have a job or are about to take one
+  Mutex count_lock;
+  Condition all_idle;    // all workers have started, or none is working
+  Condition all_exited;  // no worker is alive
+  JobQueue queue;
+};
+
+#endif  // VOREL_THREADING_THREAD_POOL_STATE_H_
