@@ -26,7 +26,8 @@ struct box_filter_job {
 /// Job function: filters every column of one strip; `job` is a `box_filter_job`. Returns null.
 /// Rows outside the strip but inside [0, row_limit) are read, never written. Rows above the plane
 /// are mirrored about the strip's first row and rows below it about the strip's last row; where a
-/// very short strip's mirror leaves the plane again, it is mirrored until it is inside.
+/// very short strip's mirror leaves the plane again, it is mirrored until it is inside (a strip of
+/// one row reads that row then).
 /// `low` and `high` must not overlap `src`. Strips of one plane may run at the same time.
 VOREL_EXPORT void* box_filter_col(void* job);
 
@@ -54,8 +55,8 @@ VOREL_EXPORT void bilateral_filter_center_neon(const uint8_t* src, uint8_t* dst,
                                                int32_t spanCol,
                                                const struct bilateralfiltering_tuning* tuning);
 
-/// `bilateral_filter` with range weights from the table `val_weight`, read as bytes; a difference
-/// index of 16 or more weighs 0.
+/// `bilateral_filter` with range weights from the table `val_weight`, read as bytes at index
+/// min(difference, val_delta_th); an index outside the table weighs 0.
 VOREL_EXPORT void bilateral_filter_opt(const uint8_t* src, uint8_t* dst, int32_t height,
                                        int32_t width, int32_t spanRow, int32_t spanCol,
                                        const struct bilateralfiltering_tuning* tuning);

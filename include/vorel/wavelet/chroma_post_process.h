@@ -50,10 +50,10 @@ class VOREL_EXPORT ChromaPostProcess {
   uint32_t getWtRange(unsigned int level, wtSubbandRange which);
 
  private:
-  void setSizes(int width, int height);
-  bool reserveStorage(const buffer* borrow);
-  void fillPadded(buffer* in, buffer* planes);
-  void dumpPadded(const char* name, const buffer* planes, bool cropped);
+  VOREL_LOCAL void setSizes(int width, int height);
+  VOREL_LOCAL bool reserveStorage(const buffer* borrow);
+  VOREL_LOCAL void fillPadded(buffer* in, buffer* planes);
+  VOREL_LOCAL void dumpPadded(const char* name, const buffer* planes, bool cropped);
 
   int32_t width_;
   int32_t height_;

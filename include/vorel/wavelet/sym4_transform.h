@@ -70,10 +70,10 @@ class VOREL_EXPORT Sym4Transform {
     buffer intermediate;
   };
 
-  const plane_group* readyGroup(const char* name, unsigned int level, unsigned int width,
-                                unsigned int height);
-  void inversePasses(const plane_group& group, buffer* band0, buffer* subbands, buffer* out,
-                     int width, int height, bool twoDecompositions);
+  VOREL_LOCAL const plane_group* readyGroup(const char* name, unsigned int level,
+                                            unsigned int width, unsigned int height);
+  VOREL_LOCAL void inversePasses(const plane_group& group, buffer* band0, buffer* subbands,
+                                 buffer* out, int width, int height, bool twoDecompositions);
 
   wavelet_config config_;
   int32_t width_;
