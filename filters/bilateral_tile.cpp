@@ -1,0 +1,108 @@
+#include "filters/bilateral_tile.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+#include "filters/byte_lanes.h"
+#include "platform/numeric.h"
+#include "platform/vectorize.h"
+
+namespace {
+
+// The filter's last step. The weights may have wrapped to anything, zero included. One half is
+// added in single precision for every sample, so that a sample's value does not depend on how far
+// it is from the plane's edge; in double precision only the quotient 0.5 - 2^-25 would end up
+// elsewhere (at 0, not 1), and sums of weights up to 11184810 never give it.
+inline uint8_t weighted_mean(uint32_t value_sum, uint32_t weight_sum) {
+  const float quotient = static_cast<float>(static_cast<int32_t>(value_sum)) /
+                         static_cast<float>(static_cast<int32_t>(weight_sum));
+  return clamp_u8(float_to_int32(quotient + 0.5f));
+}
+
+// Sums of one row of the tile over one run of taps, with one byte of the range weights:
+// `weights` in 16 bits as runs are short, `values` up to 257 * 255 * 255.
+struct RunSums {
+  HalfLanes weights{};
+  WordLanes values{};
+};
+
+inline void add_tap(ByteLanes centre, ByteLanes neighbour, const WeightTable& table,
+                    ByteTable entries, uint8_t largest_difference, RunSums& sums) {
+  const ByteLanes difference = __builtin_elementwise_min(absolute_difference(centre, neighbour),
+                                                         ByteLanes{} + largest_difference);
+  const HalfLanes weight =
+      __builtin_convertvector(look_up(entries, difference - table.first_difference), HalfLanes);
+  sums.weights += weight;
+  // 255 * 255 fits 16 bits.
+  const HalfLanes product = weight * __builtin_convertvector(neighbour, HalfLanes);
+  sums.values += __builtin_convertvector(product, WordLanes);
+}
+
+template <typename Lanes>
+inline void add_to_memory(const Lanes& lanes, uint32_t* sums) {
+  WordLanes total;
+  std::memcpy(&total, sums, sizeof total);
+  total += lanes;
+  std::memcpy(sums, &total, sizeof total);
+}
+
+// Adds what the window's listed taps give with one table to the sums of `rows` rows.
+void add_taps(const TileWorkspace& work, const WeightTable& table, uint8_t largest_difference,
+              int32_t rows, TileSums* sums) {
+  const ByteTable entries = load_table(table.entries);
+  for (int32_t y = 0; y < rows; ++y) {
+    const ByteLanes centre = load_lanes(work.centre.rows[y]);
+    const uint8_t* window = work.window.rows[y];
+    for (int32_t r = 0; r < work.taps.run_count; ++r) {
+      const TapRun& run = work.taps.runs[r];
+      RunSums run_sums;
+      for (int32_t tap = run.first; tap < run.end; ++tap) {
+        add_tap(centre, load_lanes(window + work.taps.offsets[tap]), table, entries,
+                largest_difference, run_sums);
+      }
+      const uint32_t scale = run.spatial_weight << table.shift;
+      add_to_memory(__builtin_convertvector(run_sums.weights, WordLanes) * scale, sums->weight[y]);
+      add_to_memory(run_sums.values * scale, sums->value[y]);
+    }
+  }
+}
+
+void store_row(const uint32_t* value_sums, const uint32_t* weight_sums, int32_t cols,
+               uint8_t* __restrict dst) {
+  VOREL_VECTORIZE
+  for (int32_t x = 0; x < cols; ++x) dst[x] = weighted_mean(value_sums[x], weight_sums[x]);
+}
+
+// The sum of weights starts at 1 so that, short of wrapping, it is never 0.
+void reset_sums(int32_t rows, TileSums* sums) {
+  for (int32_t y = 0; y < rows; ++y) {
+    std::fill_n(sums->weight[y], kLanes, 1U);
+    std::fill_n(sums->value[y], kLanes, 0U);
+  }
+}
+
+}  // namespace
+
+void filter_tile(const SourcePlane& plane, uint8_t* dst, const TileArea& area, const Spans& spans,
+                 const WeightTables& weights, TileWorkspace* work) {
+  reset_sums(area.rows, &work->sums);
+  fill_tile(plane, area.row, area.col, area.rows, area.cols, &work->centre);
+
+  for (int32_t part_row = -spans.row; part_row <= spans.row; part_row += kPartSize) {
+    for (int32_t part_col = -spans.col; part_col <= spans.col; part_col += kPartSize) {
+      const WindowPart part = {part_row, std::min(part_row + kPartSize, spans.row + 1), part_col,
+                               std::min(part_col + kPartSize, spans.col + 1)};
+      if (part != work->taps.part) list_taps(part, kTilePitch, &work->taps);
+      fill_tile(plane, area.row + part.row_first, area.col + part.col_first,
+                area.rows + part.rows() - 1, area.cols + part.cols() - 1, &work->window);
+      for (int32_t i = 0; i < weights.count; ++i) {
+        add_taps(*work, weights.tables[i], weights.largest_difference, area.rows, &work->sums);
+      }
+    }
+  }
+  for (int32_t y = 0; y < area.rows; ++y) {
+    store_row(work->sums.value[y], work->sums.weight[y], area.cols,
+              dst + static_cast<ptrdiff_t>(area.row + y) * plane.width + area.col);
+  }
+}

@@ -1,0 +1,32 @@
+// A piece of a plane, copied out together with its surroundings.
+#ifndef VOREL_FILTERS_PLANE_TILE_H_
+#define VOREL_FILTERS_PLANE_TILE_H_
+
+#include <cstddef>
+#include <cstdint>
+
+#include "filters/byte_lanes.h"
+#include "filters/window_taps.h"
+
+struct SourcePlane {
+  const uint8_t* samples;  // rows of `width` bytes
+  int32_t height;
+  int32_t width;
+};
+
+// Filtered rows of a tile; it is kLanes columns wide.
+inline constexpr int32_t kTileRows = 32;
+inline constexpr ptrdiff_t kTilePitch = 64;
+static_assert(kLanes + kPartSize - 1 <= kTilePitch);
+
+struct PlaneTile {
+  alignas(64) uint8_t rows[kTileRows + kPartSize - 1][kTilePitch];
+};
+
+// Copies `rows` x `cols` samples from (row, col) on, which may lie outside the plane: outside its
+// edges the plane is mirrored, the edge itself not repeated, until the index is inside. With one
+// row or column every index is 0. Bytes behind the columns may be overwritten.
+void fill_tile(const SourcePlane& plane, int32_t row, int32_t col, int32_t rows, int32_t cols,
+               PlaneTile* tile);
+
+#endif  // VOREL_FILTERS_PLANE_TILE_H_
