@@ -2,7 +2,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/numeric.h"
 #include "platform/vectorize.h"
 #include "vorel/filters.h"
 
@@ -26,9 +25,12 @@ inline uint8_t smooth_sample(uint16_t rounded_sum) {
   return static_cast<uint8_t>(low < 255 ? low : 255);
 }
 
-// Detail sample: what the smooth sample lacks, stored with an offset of 128.
+// Detail sample: what the smooth sample lacks, stored with an offset of 128. All in 16 bits, where
+// the vector form stays too.
 inline uint8_t detail_sample(uint8_t sample, uint8_t low) {
-  return clamp_u8(static_cast<int16_t>(sample - low + 128));
+  const int16_t detail = static_cast<int16_t>(sample - low + 128);
+  const int16_t floored = detail > 0 ? detail : int16_t{0};
+  return static_cast<uint8_t>(floored < 255 ? floored : int16_t{255});
 }
 
 void add_row(const uint8_t* __restrict samples, ptrdiff_t columns, uint16_t* __restrict sums) {
@@ -36,24 +38,13 @@ void add_row(const uint8_t* __restrict samples, ptrdiff_t columns, uint16_t* __r
   for (ptrdiff_t x = 0; x < columns; ++x) sums[x] = static_cast<uint16_t>(sums[x] + samples[x]);
 }
 
-// The rows that one output row needs, and its outputs.
-struct RowSet {
-  const uint8_t* centre;
-  const uint8_t* leaving;   // topmost row of the box
-  const uint8_t* entering;  // row below the box
-  uint8_t* low;
-  uint8_t* high;
-};
-
-// Writes one output row and moves the boxes one row down. `running_sums` count every row of the
-// box once and include the rounding, so that moving them takes two rows only.
+// Writes one output row and moves the boxes one row down: the row `leaving` is their topmost one,
+// `entering` the one below them. `running_sums` count every row of a box once and include the
+// rounding, so that moving them takes two rows only.
 template <int32_t kTabBit>
-void filter_row(const RowSet& rows, ptrdiff_t columns, uint16_t* __restrict running_sums) {
-  const uint8_t* __restrict centre = rows.centre;
-  const uint8_t* __restrict leaving = rows.leaving;
-  const uint8_t* __restrict entering = rows.entering;
-  uint8_t* __restrict low = rows.low;
-  uint8_t* __restrict high = rows.high;
+void filter_row(const uint8_t* __restrict centre, const uint8_t* __restrict leaving,
+                const uint8_t* __restrict entering, ptrdiff_t columns, uint8_t* __restrict low,
+                uint8_t* __restrict high, uint16_t* __restrict running_sums) {
   VOREL_VECTORIZE
   for (ptrdiff_t x = 0; x < columns; ++x) {
     const uint8_t sample = centre[x];
@@ -65,10 +56,9 @@ void filter_row(const RowSet& rows, ptrdiff_t columns, uint16_t* __restrict runn
 }
 
 // One per tab_bit: 16-bit lanes shift by a constant, by a variable only in wider lanes.
-using RowFilter = void (*)(const RowSet&, ptrdiff_t, uint16_t*);
-constexpr RowFilter kRowFilters[kMaxTabBit + 1] = {filter_row<0>, filter_row<1>, filter_row<2>,
-                                                   filter_row<3>, filter_row<4>, filter_row<5>,
-                                                   filter_row<6>, filter_row<7>};
+constexpr decltype(&filter_row<0>) kRowFilters[kMaxTabBit + 1] = {
+    filter_row<0>, filter_row<1>, filter_row<2>, filter_row<3>,
+    filter_row<4>, filter_row<5>, filter_row<6>, filter_row<7>};
 
 struct Strip {
   const uint8_t* src;
@@ -96,24 +86,20 @@ ptrdiff_t mirror_row(const Strip& strip, ptrdiff_t row) {
 
 void filter_block(const Strip& strip, int32_t tab_bit, ptrdiff_t first_column, ptrdiff_t columns) {
   const ptrdiff_t radius = box_radius(tab_bit);
-  const RowFilter filter = kRowFilters[tab_bit];
+  const auto filter = kRowFilters[tab_bit];
   const auto source_row = [&](ptrdiff_t row) {
     return strip.src + mirror_row(strip, row) * strip.pitch + first_column;
   };
 
-  uint16_t running_sums[kBlockColumns];
+  alignas(64) uint16_t running_sums[kBlockColumns];
   std::fill_n(running_sums, columns, static_cast<uint16_t>(radius + 1));
   for (ptrdiff_t row = strip.row_first - radius; row <= strip.row_first + radius; ++row) {
     add_row(source_row(row), columns, running_sums);
   }
   for (ptrdiff_t row = strip.row_first; row < strip.row_end; ++row) {
     const ptrdiff_t offset = row * strip.pitch + first_column;
-    filter({.centre = strip.src + offset,
-            .leaving = source_row(row - radius),
-            .entering = source_row(row + radius + 1),
-            .low = strip.low + offset,
-            .high = strip.high + offset},
-           columns, running_sums);
+    filter(strip.src + offset, source_row(row - radius), source_row(row + radius + 1), columns,
+           strip.low + offset, strip.high + offset, running_sums);
   }
 }
 
