@@ -108,8 +108,7 @@ TEST_F(DigestTest, FramesGiveTheListedBytes) {
     }
     EXPECT_EQ(actual, c.digest) << c.width << "x" << c.height << " " << c.noise_index << " "
                                 << c.tuning << " " << c.content;
-    // Without a weight table every filtered sample is 0, too far from the frame to be taken.
-    EXPECT_EQ(frame.bytes() == before, c.tuning == "table_variant") << c.tuning;
+    EXPECT_NE(frame.bytes(), before) << c.tuning;
   }
 }
 
