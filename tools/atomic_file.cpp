@@ -38,6 +38,7 @@ std::string directory_of(const std::string& path) {
 AtomicFile::AtomicFile(const std::string& path) : path_(path), target_(resolve(path)) {
   struct stat existing{};
   const bool exists = stat(target_.c_str(), &existing) == 0;
+  if (!exists && errno != ENOENT) throw cannot_write(path_, errno);
   if (exists && S_ISDIR(existing.st_mode)) throw cannot_write(path_, EISDIR);
   if (exists && access(target_.c_str(), W_OK) != 0) throw cannot_write(path_, errno);
   if (exists && !S_ISREG(existing.st_mode)) {

@@ -111,6 +111,14 @@ class DenoiseRun {
     engine_ = std::make_unique<Engine>(processed_size, options_.tuning.sensor, log_, calls_);
   }
 
+  // The frame as a reader of the output will see it: through a PNG file chroma makes a round trip
+  // over RGB.
+  Nv21Frame as_written(const Nv21Frame& after, const RgbImage& rgb_after) const {
+    const bool through_rgb = kind_of_name(options_.output) == FileKind::kPng;
+    if (!through_rgb || after.colour.matrix != Matrix::kBt601) return after;
+    return rgb_to_nv21(rgb_after, after.colour);
+  }
+
   void compare(const Picture& picture, const Nv21Frame& before, const Nv21Frame& after) {
     const RgbImage rgb_before = as_rgb(picture);
     const RgbImage rgb_after = nv21_to_rgb(after);
@@ -122,7 +130,8 @@ class DenoiseRun {
       const Nv21Frame truth = as_nv21(*truth_, before.colour);
       summary_.distances = {{"before", {}}, {"after", {}}};
       summary_.distances[0].distance.add(before, rgb_before, truth, *rgb_truth);
-      summary_.distances[1].distance.add(after, rgb_after, truth, *rgb_truth);
+      summary_.distances[1].distance.add(as_written(after, rgb_after), rgb_after, truth,
+                                         *rgb_truth);
     }
     if (compare_) compare_->write({side_by_side(images, std::nullopt, 1), {}});
   }

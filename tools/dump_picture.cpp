@@ -18,7 +18,7 @@ namespace {
 constexpr size_t kMaxBytes = 2 * kMaxPixels;
 constexpr uint8_t kMidGrey = 128;
 constexpr float kLowScale = 0.25f;  // two levels, each doubling the scale
-constexpr float kDetailScale = 4.0f;
+constexpr float kDetailScale = 8.0f;
 
 uint8_t grey(float value, float offset) {
   const float shown = value + offset;

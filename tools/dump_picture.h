@@ -14,7 +14,7 @@ namespace tool {
 [[nodiscard]] Nv21Frame read_dump_frame(const DumpFile& file);
 
 // Any dump that is not damaged, as a PNG file: frames in colour, interleaved chroma as colour on
-// mid grey, planes in grey. Wavelet low bands are divided by 4; details are shown 4 times as strong
+// mid grey, planes in grey. Wavelet low bands are divided by 4; details are shown 8 times as strong
 // around mid grey. Samples that are no number are black in planes, mid grey in details.
 [[nodiscard]] std::vector<uint8_t> dump_png(const DumpFile& file);
 

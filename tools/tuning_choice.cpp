@@ -41,10 +41,8 @@ bool exists(const std::string& path, bool& is_directory) {
 // Shows what the checker finds. A file that the user named must be of use.
 void show_findings(const std::string& path, const std::string& text, bool must_be_usable) {
   for (const Finding& finding : check_tuning_text(text)) {
-    if (finding.is_error && must_be_usable) {
-      throw input_error(path, finding.text +
-                                  "; the library would fall back to its built-in values "
-                                  "(--tuning none does so on purpose)");
+    if (finding.is_whole_file && must_be_usable) {
+      throw input_error(path, finding.text + " (--tuning none uses the built-in values)");
     }
     warn(path + ": " + finding.text);
   }

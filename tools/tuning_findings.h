@@ -1,4 +1,4 @@
-// What is wrong with a tuning file.
+// What is wrong with a tuning file, in words.
 #ifndef VOREL_TOOLS_TUNING_FINDINGS_H_
 #define VOREL_TOOLS_TUNING_FINDINGS_H_
 
@@ -8,7 +8,8 @@
 namespace tool {
 
 struct Finding {
-  bool is_error;  // the library cannot use the file, or not this value
+  bool is_error;       // the library reads something else than is written
+  bool is_whole_file;  // the library reads nothing of it
   std::string text;
 };
 
