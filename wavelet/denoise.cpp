@@ -6,6 +6,7 @@
 
 #include "platform/log.h"
 #include "platform/stage_timer.h"
+#include "threading/run_jobs.h"
 #include "vorel/wavelet/haar_transform.h"
 #include "wavelet/kernels/saturation_rows.h"
 #include "wavelet/kernels/shrinkage_rows.h"
@@ -76,11 +77,6 @@ bool take_bands(buffer* bands, plane_scratch* scratch, uint32_t rows, uint32_t c
     clear_unwritten(bands[i]);
   }
   return true;
-}
-
-// Queues a job; without a pool, or when the pool refuses, runs it at once.
-void run_or_queue(ThreadPool* pool, void* (*function)(void*), void* job) {
-  if (pool == nullptr || pool->addWork(function, job) != 0) function(job);
 }
 
 }  // namespace
@@ -154,12 +150,12 @@ int Denoise::applySaturation(buffer* first, buffer* second, buffer* out, buffer*
   const uint32_t band = out->height / kSaturationJobCount;
   saturation_job jobs[kSaturationJobCount];
   for (uint32_t i = 0; i < kSaturationJobCount; ++i) {
-    const uint32_t end = i + 1 < kSaturationJobCount ? (i + 1) * band : out->height;
+    const bool last = i + 1 == kSaturationJobCount;
+    const uint32_t end = last ? out->height : (i + 1) * band;  // the last band takes the remainder
     jobs[i] = {this,       first,    second,   out,      staging, CSatParam1,
                CSatParam2, CSatThr1, CSatThr2, i * band, end};
-    run_or_queue(pool_, applySaturationRegionFunc, &jobs[i]);
   }
-  if (pool_ != nullptr) pool_->wait();
+  run_jobs(pool_, applySaturationRegionFunc, jobs, kSaturationJobCount);
   timer.log("Denoise::applySaturation");
   return 0;
 }

@@ -28,8 +28,8 @@ gain_curve make_gain_curve(const saturation_curve& curve) {
 
 // The greater of two magnitudes; one that is not a number does not count.
 half_lane greater_of(half_lane a, half_lane b) {
-  const half_lane greater = a > b ? a : b;  // b unless a is greater
-  return greater > a ? greater : a;
+  const half_lane number = a >= kSmallestHalf ? a : 0;
+  return b > number ? b : number;
 }
 
 // Percentage for the distance from neutral. The order of the tests decides when the thresholds
