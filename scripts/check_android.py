@@ -11,7 +11,7 @@ import sys
 
 BLUEPRINT = "Android.bp"
 SOURCES = "cmake/Sources.cmake"
-HOST_ONLY = {"VOREL_PLATFORM_HOST_SOURCES"}
+HOST_ONLY = {"VOREL_PLATFORM_HOST_SOURCES", "VOREL_TUNING_CHECK_SOURCES"}
 LIBRARY_FOLDERS = ("core", "threading", "tuning", "filters", "convert", "wavelet", "platform")
 
 # Functions of glibc that bionic lacks at API level 30. The host form of the platform folder may use
