@@ -18,8 +18,14 @@ set(VOREL_TUNING_SOURCES
   tuning/defaults.cpp
   tuning/keys.cpp
   tuning/load.cpp
+  tuning/log_tuning.cpp
   tuning/select.cpp
   tuning/sensors.cpp)
+# What the command checks tuning files with; no part of the library.
+set(VOREL_TUNING_CHECK_SOURCES
+  tuning/check.cpp
+  tuning/findings.cpp
+  tuning/keys.cpp)
 set(VOREL_CORE_SOURCES
   core/box_filter_stage.cpp
   core/deinterleave_stage.cpp
@@ -47,6 +53,7 @@ set(VOREL_CONVERT_SOURCES
   convert/deinterleave.cpp
   convert/restore_packed.cpp
   convert/restore_planar.cpp
+  convert/restore_rows.cpp
   convert/upsample.cpp)
 set(VOREL_WAVELET_SOURCES
   wavelet/border_handler.cpp

@@ -14,6 +14,14 @@ inline int32_t float_to_int32(float value) {
   return value >= 2147483648.0f ? INT32_MAX : truncated;
 }
 
+// The same for double precision; not made for loops.
+inline int32_t double_to_int32(double value) {
+  if (value != value) return 0;
+  if (value >= 2147483647.0) return INT32_MAX;
+  if (value <= -2147483648.0) return INT32_MIN;
+  return static_cast<int32_t>(value);
+}
+
 inline uint8_t clamp_u8(int32_t value) {
   return static_cast<uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
 }
