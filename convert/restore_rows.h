@@ -1,0 +1,43 @@
+// The restore step along rows of luma and of chroma pairs, in place.
+#ifndef VOREL_CONVERT_RESTORE_ROWS_H_
+#define VOREL_CONVERT_RESTORE_ROWS_H_
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "convert/restore_rule.h"
+#include "vorel/tuning.h"
+
+// Thresholds made ready for a kernel call.
+struct RestorePlan {
+  explicit RestorePlan(const interleaving_tuning& tuning);
+
+  const interleaving_tuning& tuning;
+  bool narrow_luma;    // `luma` and `luma_lower` are set
+  bool narrow_chroma;  // `chroma` is set
+  uint8_t luma_lower;
+  MeanDivisor luma;
+  MeanDivisor chroma;
+};
+
+void restore_luma_row(uint8_t* luma, const uint8_t* low, const uint8_t* high, size_t width,
+                      const RestorePlan& plan);
+
+// `pairs` holds `count` byte pairs; their first bytes go with `u`, their second ones with `v`.
+void restore_chroma_row(uint8_t* pairs, const uint8_t* u, const uint8_t* v, size_t count,
+                        const RestorePlan& plan);
+
+// A byte pair as one 16-bit lane: the first byte is the low one. Walks over pairs need no shuffles.
+static_assert(std::endian::native == std::endian::little);
+inline uint16_t load_pair(const uint8_t* pairs, size_t index) {
+  uint16_t pair;
+  std::memcpy(&pair, pairs + 2 * index, sizeof(pair));
+  return pair;
+}
+inline void store_pair(uint8_t* pairs, size_t index, uint16_t pair) {
+  std::memcpy(pairs + 2 * index, &pair, sizeof(pair));
+}
+
+#endif  // VOREL_CONVERT_RESTORE_ROWS_H_
