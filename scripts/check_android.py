@@ -76,7 +76,7 @@ def check_lists(text):
             faults.append(f"no module of {BLUEPRINT} compiles {name}")
     if "/host/" in text:
         faults.append(f"{BLUEPRINT} names a file of hosts")
-    for pattern in re.findall(r'"([^":]+\.(?:cpp|json|map)|LICENSE)"', text):
+    for pattern in re.findall(r'(?<!name: )"([^":]+\.(?:cpp|json|map)|LICENSE)"', text):
         if not list_files(pattern):
             faults.append(f"{BLUEPRINT}: {pattern} matches no file")
     return faults
