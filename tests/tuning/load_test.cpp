@@ -2,12 +2,13 @@
 #include <gtest/gtest.h>
 #include <jansson.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include "tests/support/faults.h"
