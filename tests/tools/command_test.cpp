@@ -1,0 +1,270 @@
+// The built command from outside: exit statuses, messages, files.
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "tests/tools/run_command.h"
+#include "tests/tools/test_pictures.h"
+#include "tools/colour.h"
+#include "tools/picture_io.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class Command : public testing::Test {
+ protected:
+  Command() {
+    save(picture, gradient_picture(64, 48));
+    save(raw, patterned_frame(64, 48));
+  }
+
+  // One line on standard error that names what is wrong, the status, and no new file.
+  void expect_refused(const std::vector<std::string>& arguments, int status,
+                      const std::string& reason) {
+    const std::vector<std::string> before = directory.names();
+    const CommandResult run = run_vorel(arguments);
+    const std::string line = testing::PrintToString(arguments);
+    EXPECT_EQ(run.status, status) << line << run.err;
+    EXPECT_THAT(run.err, testing::StartsWith("vorel: ")) << line;
+    EXPECT_THAT(run.err, HasSubstr(reason)) << line;
+    EXPECT_THAT(run.out, IsEmpty()) << line;
+    EXPECT_EQ(directory.names(), before) << line;
+  }
+
+  TestDirectory directory;
+  std::string picture = directory / "a.png";
+  std::string raw = directory / "a_64x48.nv21";
+  std::string out = directory / "out.png";
+};
+
+TEST_F(Command, HelpAndVersionAreEverywhere) {
+  const CommandResult main = run_vorel({"--help"});
+  EXPECT_EQ(main.status, 0);
+  EXPECT_THAT(main.err, IsEmpty());
+  for (const char* verb : {"denoise", "noise", "compare", "check", "dump"}) {
+    EXPECT_THAT(main.out, HasSubstr(verb));
+    const CommandResult help = run_vorel({verb, "--help"});
+    EXPECT_EQ(help.status, 0) << verb;
+    EXPECT_THAT(help.out, HasSubstr("Usage: vorel " + std::string(verb)));
+    EXPECT_THAT(help.out, HasSubstr("Example"));
+    EXPECT_THAT(help.out, HasSubstr("  vorel " + std::string(verb))) << "an example line";
+  }
+  const CommandResult version = run_vorel({"--version"});
+  EXPECT_EQ(version.status, 0);
+  EXPECT_THAT(version.out, testing::MatchesRegex("vorel [0-9.]+ \\(commit [^ ]+, [^ ]+\\)\n"));
+}
+
+TEST_F(Command, BadUsageIsStatus1) {
+  const std::string in = picture;
+  expect_refused({}, 1, "a verb is needed");
+  expect_refused({"remove", in}, 1, "'remove' is no verb");
+  expect_refused({"denoise"}, 1, "INPUT is required");
+  expect_refused({"denoise", in}, 1, "--output is required");
+  expect_refused({"denoise", in, "-o", out, "--strength", "5"}, 1, "--strength");
+  for (const char* bad : {"abc", "-5", "1.5", "99999999999", "", "12x"}) {
+    expect_refused({"denoise", in, "-o", out, "--noise-index", bad}, 1, "no whole number");
+  }
+  expect_refused({"denoise", in, "-o", out, "--sensor", "-1"}, 1, "no whole number");
+  for (const char* bad : {"0x0", "70000x70000", "64", "64x", "x"}) {
+    expect_refused({"denoise", raw, "-o", out, "--size", bad}, 1, "no size such as 1920x1080");
+  }
+  expect_refused({"denoise", in, "-o", out, "--format", "yuyv"}, 1, "--format");
+  expect_refused({"denoise", in, "-o", directory / "out.tif"}, 1, "unknown extension");
+  expect_refused({"denoise", in, "-o", in}, 1, "is the input");
+  expect_refused({"denoise", in, "-o", out, "--compare", out}, 1, "two results");
+  expect_refused({"denoise", in, "-o", out, "--matrix", "709"}, 1, "--matrix 709");
+  expect_refused({"denoise", in, "-o", out, "--no-spatial", "--sensor", "99"}, 1, "--no-spatial");
+  expect_refused({"noise", in, "-o", out, "--gain", "0"}, 1, "no whole number from 1 to 1024");
+  expect_refused({"noise", in, "-o", out, "--gain", "1025"}, 1, "no whole number");
+  expect_refused({"compare", in}, 1, "two pictures");
+  expect_refused({"compare", in, in, "--crop", "1,2,3"}, 1, "no rectangle");
+  expect_refused({"compare", in, in, "-o", out, "--crop", "60,0,5,5"}, 1, "64 x 48");
+  expect_refused({"check"}, 1, "TUNING is required");
+}
+
+TEST_F(Command, BadInputIsStatus2) {
+  expect_refused({"denoise", directory / "none.png", "-o", out}, 2, "none.png: No such file");
+  expect_refused({"denoise", directory.path(), "-o", out}, 2, "unknown extension");
+  write_text(directory / "cut.png", read_text(picture).substr(0, 100));
+  expect_refused({"denoise", directory / "cut.png", "-o", out}, 2, "cut short");
+  expect_refused({"denoise", raw, "-o", out, "--size", "64x50"}, 2, "64 x 50 has 4800");
+  write_text(directory / "plain.raw", "x");
+  expect_refused({"denoise", directory / "plain.raw", "-o", out}, 2, "give --size");
+  expect_refused({"denoise", picture, "-o", out, "--tuning", directory / "none.json"}, 2,
+                 "none.json: no such tuning");
+  write_text(directory / "broken.json", "[{\n\"enable\": 1,\n}]");
+  expect_refused({"denoise", picture, "-o", out, "--tuning", directory / "broken.json"}, 2,
+                 "broken.json: line 3");
+  save(directory / "small.png", gradient_picture(8, 8));
+  expect_refused({"compare", picture, directory / "small.png"}, 2, "is 8 x 8");
+}
+
+TEST_F(Command, OutputThatCannotBeWrittenIsStatus3) {
+  expect_refused({"denoise", picture, "-o", directory / "none/out.png"}, 3, "No such file");
+  std::filesystem::create_directory(directory / "folder.png");
+  expect_refused({"denoise", picture, "-o", directory / "folder.png"}, 3, "Is a directory");
+  std::filesystem::create_symlink("/dev/full", directory / "full.nv21");
+  for (const char* verb : {"denoise", "noise"}) {
+    expect_refused({verb, raw, "-o", directory / "full.nv21"}, 3, "No space left on device");
+  }
+}
+
+TEST_F(Command, WriteThatFailsHalfWayLeavesNothing) {
+  CommandSetup setup;
+  setup.file_limit = 4096;
+  write_text(directory / "out_64x48.nv21", "old");
+  const std::vector<std::string> before = directory.names();
+  const CommandResult run = run_vorel({"denoise", raw, "-o", directory / "out_64x48.nv21"}, setup);
+  EXPECT_EQ(run.status, 3) << run.err;
+  EXPECT_THAT(run.err, HasSubstr("File too large"));
+  EXPECT_EQ(directory.names(), before);
+  EXPECT_EQ(read_text(directory / "out_64x48.nv21"), "old");
+}
+
+TEST_F(Command, DenoiseRunsTheRealLibraryAndSaysWhatItDid) {
+  ASSERT_EQ(run_vorel({"noise", picture, "-o", directory / "noisy.png", "-g", "32"}).status, 0);
+  const CommandResult run = run_vorel({"denoise", directory / "noisy.png", "-o", out, "--truth",
+                                       picture, "--compare", directory / "side.png", "-n", "3200"});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_THAT(run.err, IsEmpty());
+  EXPECT_THAT(run.out, HasSubstr("sample tuning"));
+  EXPECT_THAT(run.out, HasSubstr("noise index  3200\n"));
+  EXPECT_THAT(run.out, testing::ContainsRegex("changed +chroma [0-9.]+ % of samples"));
+  EXPECT_THAT(run.out, testing::ContainsRegex("CIEDE2000, mean .* better"));
+  EXPECT_EQ(tool::read_picture(directory / "side.png", {}).size(), (tool::Size{3 * 64 + 16, 48}));
+  EXPECT_THAT(directory.names(),
+              ElementsAre("a.png", "a_64x48.nv21", "noisy.png", "out.png", "side.png"));
+}
+
+TEST_F(Command, FramesBelowTheTuningsThresholdStayAsTheyAre) {
+  const std::string result = directory / "out_64x48.nv21";
+  const CommandResult run = run_vorel({"denoise", raw, "-o", result, "-n", "0"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_THAT(run.out, HasSubstr("nothing: noise index 0 is below the tuning's enableNoiseIndex"));
+  EXPECT_EQ(read_text(result), read_text(raw));
+  EXPECT_EQ(run_vorel({"denoise", raw, "-o", result, "-n", "40000", "--tuning", "none", "-q"}).out,
+            "");
+}
+
+TEST_F(Command, PathSwitchesReachTheLibrary) {
+  const auto denoised = [&](const std::vector<std::string>& switches) {
+    std::vector<std::string> arguments{"denoise", raw,   "-o", directory / "x_64x48.nv21",
+                                       "-n",      "6400"};
+    arguments.insert(arguments.end(), switches.begin(), switches.end());
+    EXPECT_EQ(run_vorel(arguments).status, 0);
+    return read_text(directory / "x_64x48.nv21");
+  };
+  const std::string both = denoised({});
+  const std::string wavelet = denoised({"--no-spatial"});
+  const std::string spatial = denoised({"--no-wavelet"});
+  const std::string neither = denoised({"--no-spatial", "--no-wavelet"});
+  EXPECT_NE(both, wavelet);
+  EXPECT_NE(both, spatial);
+  EXPECT_NE(wavelet, spatial);
+  EXPECT_EQ(neither, read_text(raw));
+  EXPECT_EQ(both, denoised({"--format", "nm21"}));
+}
+
+TEST_F(Command, UnknownSensorIsAWarningAndTheBuiltInValuesServe) {
+  const CommandResult run =
+      run_vorel({"denoise", raw, "-o", directory / "x.nv21", "--sensor", "99", "-n", "50000"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_THAT(run.err, HasSubstr("warning: sensor 99 is not known"));
+  EXPECT_THAT(run.err, HasSubstr("120, 124"));
+  EXPECT_THAT(run.out, HasSubstr("built-in values"));
+}
+
+TEST_F(Command, FindingsInTheTuningAreShownBeforeTheRun) {
+  write_text(directory / "t.json",
+             R"([{"CNRTuningSetfile": {"Date": "d"}, "enabel": 1, "enableNoiseIndex": 0}])");
+  const CommandResult run =
+      run_vorel({"denoise", raw, "-o", directory / "x.nv21", "--tuning", directory / "t.json"});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_THAT(run.err, HasSubstr("vorel: warning: " + (directory / "t.json") + ": enabel"));
+  EXPECT_THAT(run.out, HasSubstr("dated d"));
+}
+
+TEST_F(Command, LogLevelShowsTheLibrarysLines) {
+  const std::vector<std::string> arguments{"denoise", raw, "-o", directory / "x.nv21", "--log"};
+  std::vector<std::string> debug = arguments;
+  debug.push_back("debug");
+  const CommandResult run = run_vorel(debug);
+  EXPECT_THAT(run.err, HasSubstr("vorel: vorel_run - X\n"));
+  EXPECT_THAT(run.out, Not(HasSubstr("vorel_run")));
+}
+
+TEST_F(Command, NoiseIsReproducibleAndNamesItsIndex) {
+  const CommandResult run = run_vorel({"noise", picture, "-o", out, "--gain", "8", "--seed", "5"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_THAT(run.out, HasSubstr("noise index  800"));
+  const std::string first = read_text(out);
+  run_vorel({"noise", picture, "-o", out, "--gain", "8", "--seed", "5"});
+  EXPECT_EQ(read_text(out), first);
+  run_vorel({"noise", picture, "-o", out, "--gain", "8", "--seed", "6"});
+  EXPECT_NE(read_text(out), first);
+}
+
+TEST_F(Command, InputIsReplacedOnlyWithForce) {
+  const std::string before = read_text(raw);
+  EXPECT_EQ(run_vorel({"denoise", raw, "-o", raw, "-n", "6400"}).status, 1);
+  EXPECT_EQ(read_text(raw), before);
+  EXPECT_EQ(run_vorel({"denoise", raw, "-o", raw, "-n", "6400", "--force"}).status, 0);
+  EXPECT_NE(read_text(raw), before);
+  EXPECT_EQ(read_text(raw).size(), before.size());
+}
+
+TEST_F(Command, CompareSpeaksToPeopleAndPrograms) {
+  ASSERT_EQ(run_vorel({"noise", picture, "-o", out, "-g", "4"}).status, 0);
+  const CommandResult text = run_vorel({"compare", out, picture, "--truth", picture});
+  EXPECT_EQ(text.status, 0);
+  EXPECT_THAT(text.out, testing::ContainsRegex("PSNR U, dB .*equal \\(better\\)"));
+  const CommandResult json = run_vorel({"compare", picture, out, "--json"});
+  EXPECT_EQ(json.status, 0);
+  EXPECT_THAT(json.out, testing::StartsWith("{"));
+  EXPECT_THAT(json.out, HasSubstr("\"ciede2000\": "));
+  const CommandResult side = run_vorel({"compare", picture, out, out, "-o", directory / "side.jpg",
+                                        "--crop", "8,8,20,10", "--zoom", "3"});
+  EXPECT_EQ(side.status, 0) << side.err;
+  EXPECT_EQ(tool::read_picture(directory / "side.jpg", {}).size(), (tool::Size{3 * 60 + 16, 30}));
+}
+
+TEST_F(Command, CompareWalksThroughVideos) {
+  const auto video = [&](const std::string& name, int frames) {
+    const auto output = tool::PictureOutput::open(directory / name);
+    for (int i = 0; i < frames; ++i) output->write({patterned_frame(16, 8), {}});
+    output->finish();
+    return directory / name;
+  };
+  const std::string two = video("two.y4m", 2);
+  const CommandResult same = run_vorel({"compare", two, video("also.y4m", 2)});
+  EXPECT_EQ(same.status, 0);
+  EXPECT_THAT(same.out, HasSubstr("2 frames"));
+  EXPECT_EQ(run_vorel({"compare", two, video("three.y4m", 3)}).status, 2);
+  EXPECT_EQ(run_vorel({"compare", directory / "three.y4m", two}).status, 2);
+}
+
+TEST_F(Command, CheckReportsFindingsPerFile) {
+  const std::string good = VOREL_SOURCE_DIR "/tuning/samples/vorel_NOTHING.json";
+  const CommandResult clean = run_vorel({"check", good});
+  EXPECT_EQ(clean.status, 0);
+  EXPECT_EQ(clean.out, good + ": ok\n");
+  write_text(directory / "odd.json", R"([{"CNRTuningSetfile": {"Date": "d"}, "enabel": 1}])");
+  const CommandResult odd = run_vorel({"check", directory / "odd.json"});
+  EXPECT_EQ(odd.status, 0) << "a warning alone is no failure";
+  EXPECT_THAT(odd.out, HasSubstr("odd.json: warning: enabel"));
+  EXPECT_EQ(run_vorel({"check", "--strict", directory / "odd.json"}).status, 2);
+  write_text(directory / "bad.json", "[{]");
+  const CommandResult bad =
+      run_vorel({"check", directory / "none.json", directory / "bad.json", good});
+  EXPECT_EQ(bad.status, 2);
+  EXPECT_THAT(bad.out, HasSubstr("none.json: No such file"));
+  EXPECT_THAT(bad.out, HasSubstr("bad.json: error: line 1"));
+  EXPECT_THAT(bad.out, HasSubstr(good + ": ok")) << "the others are checked all the same";
+  EXPECT_THAT(bad.out, HasSubstr("2 errors, 0 warnings"));
+}
+
+}  // namespace
