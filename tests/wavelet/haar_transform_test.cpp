@@ -29,12 +29,15 @@ TEST(HaarTransformTest, AnalysisEqualsThePlainForm) {
   for (const PlainSplit& split : kSplits) {
     SCOPED_TRACE(split.name);
     for_each_size([&](int width, int height) {
-      Plane src = random_plane(width, height, 1);
-      Plane lo(width, height), hi(width, height), plain_lo(width, height), plain_hi(width, height);
-      (haar.*split.method)(src.data(), lo.data(), hi.data(), width, height);
-      split_plainly(split, src, plain_lo, plain_hi);
-      ASSERT_EQ(lo.bits(), plain_lo.bits());
-      ASSERT_EQ(hi.bits(), plain_hi.bits());
+      for (const Samples kind : {Samples::kChroma, Samples::kSignedZeros}) {
+        Plane src = random_plane(width, height, 1, kind);
+        Plane lo(width, height), hi(width, height);
+        Plane plain_lo(width, height), plain_hi(width, height);
+        (haar.*split.method)(src.data(), lo.data(), hi.data(), width, height);
+        split_plainly(split, src, plain_lo, plain_hi);
+        ASSERT_EQ(lo.bits(), plain_lo.bits());
+        ASSERT_EQ(hi.bits(), plain_hi.bits());
+      }
     });
   }
 }
@@ -44,11 +47,13 @@ TEST(HaarTransformTest, SynthesisEqualsThePlainForm) {
   for (const PlainJoin& join : kJoins) {
     SCOPED_TRACE(join.name);
     for_each_size([&](int width, int height) {
-      Plane lo = random_plane(width, height, 2), hi = random_plane(width, height, 3);
-      Plane out(width, height), plain(width, height);
-      (haar.*join.method)(lo.data(), hi.data(), out.data(), width, height);
-      join_plainly(join, lo, hi, plain);
-      ASSERT_EQ(out.bits(), plain.bits());
+      for (const Samples kind : {Samples::kChroma, Samples::kSignedZeros}) {
+        Plane lo = random_plane(width, height, 2, kind), hi = random_plane(width, height, 3, kind);
+        Plane out(width, height), plain(width, height);
+        (haar.*join.method)(lo.data(), hi.data(), out.data(), width, height);
+        join_plainly(join, lo, hi, plain);
+        ASSERT_EQ(out.bits(), plain.bits());
+      }
     });
   }
 }

@@ -40,10 +40,18 @@ struct Plane {
   }
 };
 
-inline Plane random_plane(int width, int height, uint32_t seed) {
+enum class Samples { kChroma, kSignedZeros };
+
+inline Plane random_plane(int width, int height, uint32_t seed, Samples kind = Samples::kChroma) {
   std::mt19937 random(seed);
   Plane plane(width, height);
-  plane.fill(random_halves(plane.size(), -300, 300, random));
+  if (kind == Samples::kChroma) {
+    plane.fill(random_halves(plane.size(), -300, 300, random));
+    return plane;
+  }
+  for (size_t i = 0; i < plane.size(); ++i) {
+    plane.data()[i] = half_of_bits(random() % 2 ? 0x8000 : 0);
+  }
   return plane;
 }
 
