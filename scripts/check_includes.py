@@ -24,7 +24,7 @@ ALLOWED = {
     "threading": [PUBLIC, "platform"],
     "tuning": [PUBLIC, "platform"],
     "core": [PUBLIC, "platform", "threading", "tuning", "filters", "convert", "wavelet"],
-    "tools": [PUBLIC, "tuning/keys.h", "tuning/check.h"],
+    "tools": [PUBLIC, "tuning/keys.h", "tuning/check.h", "tuning/tuning.h"],
     "examples": [PUBLIC],
     "abi": [PUBLIC],
     "tests": EVERYTHING,

@@ -4,7 +4,8 @@
  *
  * The frames are made up: a grey ramp with coloured noise. Tuning comes from
  * vorel_<model>.json in /vendor/firmware, or, on a host, in the directory that VOREL_FIRMWARE_DIR
- * names; without one the built-in tuning holds, which processes frames from noise index 40960 on. */
+ * names; without one the built-in tuning holds, which processes frames from noise index 40960 on.
+ */
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
