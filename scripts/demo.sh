@@ -8,7 +8,9 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 vorel=$1/tools/vorel
 clean=samples/meadow.jpg
+# Strengths for both paths together, and for the spatial path on its own.
 tuning=tuning/samples/vorel_NOTHING.json
+spatial_tuning=tuning/samples/vorel_WT1240.json
 out=out/demo
 # Saturated colour, fine detail and a dark part.
 crop=${DEMO_CROP:-1100,500,480,360}
@@ -40,9 +42,9 @@ for gain in ${DEMO_GAINS:-8 32}; do
   base=$out/gain$gain
   name() { echo "${base}_$1_$size.nv21"; }
   "$vorel" noise "$clean" -o "$(name noisy)" --gain "$gain" --seed 1 --force >"$base.log"
-  denoise=("$vorel" denoise "$(name noisy)" --tuning "$tuning" --noise-index $((100 * gain)) --force)
-  "${denoise[@]}" -o "$(name spatial)" --no-wavelet >>"$base.log"
-  "${denoise[@]}" -o "$(name full)" >>"$base.log"
+  denoise=("$vorel" denoise "$(name noisy)" --noise-index $((100 * gain)) --force)
+  "${denoise[@]}" --tuning "$spatial_tuning" -o "$(name spatial)" >>"$base.log"
+  "${denoise[@]}" --tuning "$tuning" -o "$(name full)" >>"$base.log"
   pictures=("$(name noisy)" "$(name spatial)" "$(name full)")
   "$vorel" compare "${pictures[@]}" --truth "$clean" --json >"$base.json"
   "$vorel" compare "${pictures[@]}" --truth "$clean" --crop "$crop" --zoom 2 \
