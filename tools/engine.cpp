@@ -46,6 +46,7 @@ Engine::Engine(Size size, unsigned sensor, LibraryLog& log, const LibraryCalls& 
     throw Failure(kFailed,
                   "the library did not start: " + first_error(lines).value_or("no reason logged"));
   }
+  log_.show_errors(lines);
   tuning_date_ = text_after(lines, "TUNING_VERSION: ").value_or("");
   tuning_loaded_ = std::any_of(lines.begin(), lines.end(), [](const LogRecord& line) {
     return line.text.starts_with("LoadJson(") && line.text.ends_with(") success");
@@ -77,6 +78,7 @@ FrameReport Engine::process(Nv21Frame& frame, bool separate_planes, int noise_in
   if (const std::optional<std::string> trouble = frame_trouble(lines)) {
     throw Failure(kFailed, "the library did not process the frame: " + *trouble);
   }
+  log_.show_errors(lines);
   read_skip_line(lines, report);
   if (separate_planes) {
     std::copy(luma.begin(), luma.end(), frame.y());

@@ -13,6 +13,8 @@ std::mutex g_mutex;
 std::vector<LogRecord> g_lines;
 int g_shown_from = ANDROID_LOG_WARN;
 
+bool every_line_is_shown() { return g_shown_from < ANDROID_LOG_WARN; }
+
 // The command warns of an unknown sensor itself and says more.
 constexpr std::string_view kNotShown = "Not supported sensor type";
 
@@ -30,14 +32,14 @@ int priority_of(LogLevel level) {
   return ANDROID_LOG_VERBOSE;
 }
 
+void show(const std::string& text) { std::fprintf(stderr, "vorel: %s\n", text.c_str()); }
+
 void receive(const __android_logger_data* data, const char* message) {
   std::string text = message;
   while (!text.empty() && text.back() == '\n') text.pop_back();
   const std::lock_guard<std::mutex> lock(g_mutex);
-  const bool hidden = g_shown_from > ANDROID_LOG_VERBOSE && text.starts_with(kNotShown);
-  if (data->priority >= g_shown_from && !hidden) {
-    std::fprintf(stderr, "vorel: %s\n", text.c_str());
-  }
+  const bool is_error = data->priority >= ANDROID_LOG_ERROR;
+  if (data->priority >= g_shown_from && (!is_error || every_line_is_shown())) show(text);
   g_lines.push_back({data->priority, std::move(text)});
 }
 
@@ -58,6 +60,13 @@ std::vector<LogRecord> LibraryLog::take() {
   std::vector<LogRecord> lines;
   lines.swap(g_lines);
   return lines;
+}
+
+void LibraryLog::show_errors(const std::vector<LogRecord>& lines) const {
+  if (every_line_is_shown()) return;
+  for (const LogRecord& line : lines) {
+    if (line.priority >= ANDROID_LOG_ERROR && !line.text.starts_with(kNotShown)) show(line.text);
+  }
 }
 
 std::optional<std::string> first_error(const std::vector<LogRecord>& lines) {

@@ -16,8 +16,9 @@ struct LogRecord {
 };
 
 // While an object lives, every log line of the process comes here instead of going to the log.
-// Lines of `level` and more serious ones are written to standard error as "vorel: <text>". One
-// object at a time; lines may come from any thread.
+// Lines of `level` and more serious ones are written to standard error as "vorel: <text>", errors
+// only by `show_errors`, unless every line is shown: who takes the lines knows whether an error
+// ends the run, and then says so itself. One object at a time; lines may come from any thread.
 class LibraryLog {
  public:
   explicit LibraryLog(LogLevel level);
@@ -27,6 +28,9 @@ class LibraryLog {
 
   // The lines since the last call.
   [[nodiscard]] std::vector<LogRecord> take();
+
+  // Shows the errors among lines that were taken.
+  void show_errors(const std::vector<LogRecord>& lines) const;
 };
 
 // The first error among the lines.

@@ -188,6 +188,14 @@ TEST_F(Command, FindingsInTheTuningAreShownBeforeTheRun) {
   EXPECT_THAT(run.out, HasSubstr("dated d"));
 }
 
+TEST_F(Command, FolderWithoutTheSensorsTuningIsToldAndTheBuiltInValuesServe) {
+  const CommandResult run = run_vorel({"denoise", raw, "-o", directory / "x.nv21", "--tuning",
+                                       directory.path(), "--sensor", "120"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_THAT(run.err, HasSubstr("vorel: Cannot open " + (directory / "vorel_WT1200.json")));
+  EXPECT_THAT(run.out, HasSubstr("built-in values"));
+}
+
 TEST_F(Command, LogLevelShowsTheLibrarysLines) {
   const std::vector<std::string> arguments{"denoise", raw, "-o", directory / "x.nv21", "--log"};
   std::vector<std::string> debug = arguments;
