@@ -28,6 +28,12 @@ for header in $(git ls-files 'include/*.h'); do
   [ -e "$prefix/$header" ] || fail "$header is missing"
 done
 (cd "$work" && "$prefix/bin/vorel" --version) || fail "the installed command does not run"
+page=$(sed 's/\\-/-/g' "$prefix/share/man/man1/vorel.1")
+for verb in denoise noise compare check dump; do
+  for option in $("$prefix/bin/vorel" $verb --help | grep -oE -- '^  (-[a-z],)?--[a-z0-9-]+' | grep -oE -- '--[a-z0-9-]+$'); do
+    [ "$option" = --help ] || grep -qF -- "$option" <<<"$page" || fail "the manual page lacks $verb $option"
+  done
+done
 
 export CC=clang-19 CXX=clang++-19 LD_LIBRARY_PATH=$libdir PKG_CONFIG_PATH=$libdir/pkgconfig
 for example in c cpp; do
