@@ -24,11 +24,6 @@ FLAGS = [
     "-isystem", "/usr/include/android",
 ]
 
-# Name, source, part of the function's demangled name, bytes that one sample stores, and the samples
-# of a frame as a function of its luma, bordered chroma plane (both planes together) and 1/16 sizes.
-KERNELS = []
-
-
 def luma(size):
     return size[0] * size[1]
 
@@ -36,6 +31,44 @@ def luma(size):
 def bordered(size):
     """Samples of both bordered chroma planes."""
     return 2 * (size[0] // 2 + 64) * (size[1] // 2 + 64)
+
+
+# One loop of a kernel: source, part of the function's demangled name, instructions that the loop has
+# (or has not, with a minus) when the function has several, and the bytes that it stores per sample
+# or, for a loop that keeps its sums in registers, the samples of an iteration as a negative number.
+RESTORE = "convert/restore_rows.cpp"
+SYM4 = "wavelet/kernels/sym4_rows.cpp"
+SHRINK = "wavelet/kernels/shrinkage_rows.cpp"
+HAAR = "wavelet/kernels/haar_rows.cpp"
+
+
+def mean(function):
+    return [(RESTORE, function, "umlal2", 2), (RESTORE, function, "umull2 uzp2", 2),
+            (RESTORE, function, "shrn2", 1)]
+
+
+# Name, loops that each sample passes, samples of a frame.
+KERNELS = [
+    ("box_filter", [("filters/box_filter.cpp", "filter_row<4>", "", 4)], luma),
+    ("bilateral_filter, one tap", [("filters/bilateral_tile.cpp", "filter_tile(", "tbl uaddw2", -32)],
+     lambda size: 3 * 49 * luma(size) / 256),
+    ("upsample_y", [("convert/upsample.cpp", "upsample_y_neon(", "", 1)], luma),
+    ("restore, luma", [(RESTORE, "restore_luma_row(", "uabd bif -cmp", 2),
+                       *mean("restore_luma_row(")], luma),
+    ("restore, chroma", [(RESTORE, "restore_chroma_row(", "orr shll2 -fdiv", 1),
+                         (RESTORE, "restore_chroma_row(", "uabd -fdiv", 2),
+                         (RESTORE, "restore_chroma_row(", "fdiv fcmgt -mla", 1),
+                         *mean("restore_chroma_row(")], lambda size: luma(size) / 2),
+    ("Symlet-4 analysis", [(SYM4, "walk_analysis(", "", 2)], lambda size: 2.5 * bordered(size)),
+    ("Symlet-4 synthesis", [(SYM4, "walk_synthesis(", "", 2)], lambda size: 2.5 * bordered(size)),
+    ("shrinkage", [(SHRINK, "shrink_row(", "fcvtl2 fdiv", 2)], lambda size: 1.375 * bordered(size)),
+    ("Haar, directional rows", [(HAAR, "split_directional_row<_Float16>", "", 2)],
+     lambda size: 4 * bordered(size) / 16),
+    ("Haar, columns", [(HAAR, "sum_tapped_rows<_Float16>", "", 2)],
+     lambda size: 15 * bordered(size) / 16),
+    ("saturation", [("wavelet/kernels/saturation_rows.cpp", "saturate_row(", "fdiv", 2)],
+     lambda size: luma(size) / 4),
+]
 
 
 def assembly(source):
@@ -83,6 +116,19 @@ def loops(lines):
     return [code[a:b] for a, b in inner]
 
 
+def pick(found, function, words):
+    """The loop with the most vector instructions among those that have the words."""
+    has = {word for word in words.split() if not word.startswith("-")}
+    lacks = {word[1:] for word in words.split() if word.startswith("-")}
+    fitting = []
+    for key, lines in found.items():
+        for loop in loops(lines) if function in key else []:
+            names = {line.split()[0] for line in loop}
+            if has <= names and not lacks & names and vector_count(loop) > 4:
+                fitting.append(loop)
+    return max(fitting, key=vector_count, default=None)
+
+
 def vector_count(loop):
     return sum(bool(re.search(r"\bv\d+\.|\bq\d+", line)) for line in loop)
 
@@ -120,32 +166,32 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n", maxsplit=1)[0])
     parser.add_argument("--size", default="4000x3000", help="frame size for the sum")
     parser.add_argument("--ghz", nargs=2, type=float, default=(3.0, 2.4), help="clock of each core")
-    parser.add_argument("--show", help="print the loop of this kernel and stop")
+    parser.add_argument("--show", help="print the loops of this kernel too")
     options = parser.parse_args()
     size = tuple(int(n) for n in options.size.split("x"))
 
-    print(f"| kernel | instructions | samples | {CORES[0]} | {CORES[1]} |")
-    print("|:--|--:|--:|--:|--:|")
+    print(f"| kernel | instructions per 16 samples | {CORES[0]} | {CORES[1]} |")
+    print("|:--|--:|--:|--:|")
     texts = {}
     frame = [0.0, 0.0]
-    for name, source, function, sample_bytes, samples in KERNELS:
-        if source not in texts:
-            texts[source] = functions(assembly(source))
-        candidates = [loop for key, lines in texts[source].items() if function in key
-                      for loop in loops(lines)]
-        if not candidates:
-            sys.exit(f"throughput: no loop in {function} of {source}")
-        loop = max(candidates, key=vector_count)
-        if options.show == name:
-            print("\n".join(loop))
-            return
-        per_iteration = stored_bytes(loop) / sample_bytes
-        if vector_count(loop) == 0 or per_iteration == 0:
-            sys.exit(f"throughput: the loop of {name} is not vectorised")
-        each = [cycles(loop, core) / per_iteration for core in CORES]
+    for name, pieces, samples in KERNELS:
+        instructions = 0.0
+        each = [0.0, 0.0]
+        for source, function, words, sample_bytes in pieces:
+            if source not in texts:
+                texts[source] = functions(assembly(source))
+            loop = pick(texts[source], function, words)
+            if loop is None:
+                sys.exit(f"throughput: {function} of {source} has no vector loop with '{words}'")
+            if options.show == name:
+                print("\n".join(loop))
+            per_iteration = -sample_bytes if sample_bytes < 0 else stored_bytes(loop) / sample_bytes
+            instructions += len(loop) / per_iteration
+            for i, core in enumerate(CORES):
+                each[i] += cycles(loop, core) / per_iteration
         for i in range(2):
             frame[i] += each[i] * samples(size)
-        print(f"| `{name}` | {len(loop)} | {per_iteration:.0f} | {each[0]:.2f} | {each[1]:.2f} |")
+        print(f"| {name} | {16 * instructions:.1f} | {each[0]:.3f} | {each[1]:.3f} |")
     print()
     for core, total, ghz in zip(CORES, frame, options.ghz):
         print(f"{core} at {ghz} GHz: {total / ghz / 1e6:.1f} ms of one core for {options.size}")
