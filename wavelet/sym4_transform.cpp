@@ -14,8 +14,8 @@ namespace {
 constexpr int kTimingLevel = 1;
 constexpr uint32_t kTwoDecompositions = 4;
 
-[[nodiscard]] bool holds(const buffer& plane, int64_t cols, int64_t rows) {
-  return plane.data != nullptr && cols * rows <= int64_t{plane.width} * plane.height;
+int64_t sample_count(const buffer& plane) {
+  return plane.data != nullptr ? int64_t{plane.width} * plane.height : 0;
 }
 
 _Float16* samples_of(const buffer& plane) { return static_cast<_Float16*>(plane.data); }
@@ -44,6 +44,10 @@ void synthesise_columns(const _Float16* lo, const _Float16* hi, _Float16* out, i
 
 sym4_times times_for(int32_t debug) {
   return {PassTime(debug == kTimingLevel), PassTime(debug == kTimingLevel)};
+}
+
+void log_refused(const char* name, unsigned level, unsigned width, unsigned height) {
+  VOREL_LOGE("%s, level %u has no planes for %u x %u", name, level, width, height);
 }
 
 void log_times(int32_t debug, const sym4_times& times, const char* horizontal,
@@ -158,33 +162,28 @@ void Sym4Transform::iwtVertPitch(_Float16* lo, _Float16* hi, _Float16* out, int 
   synthesise_columns(lo, hi, out, width, height, ptrdiff_t{width} + pitchDiff);
 }
 
-// The working planes of a level when they are there and large enough for the walks, else null.
-const Sym4Transform::plane_group* Sym4Transform::readyGroup(const char* name, unsigned int level,
-                                                            unsigned int width,
-                                                            unsigned int height) {
-  if (level < 3) {
-    const plane_group& group = groups_[level];
-    if (holds(group.low, width / 2, std::min<int64_t>(height, kSym4WorkRows)) &&
-        holds(group.high, width / 2, std::min<int64_t>(height, kSym4WorkRows)) &&
-        holds(group.intermediate, width / 2, std::min<int64_t>(height / 2, kSym4WorkRows))) {
-      return &group;
-    }
-  }
-  VOREL_LOGE("%s, no planes of level %u for %u x %u", name, level, width, height);
-  return nullptr;
+// The working planes of a level; without any samples where the level has none.
+sym4_work Sym4Transform::workOf(unsigned int level) const {
+  if (level >= 3) return {};
+  const plane_group& group = groups_[level];
+  return {samples_of(group.low), samples_of(group.high), samples_of(group.intermediate),
+          std::min(sample_count(group.low), sample_count(group.high)),
+          sample_count(group.intermediate)};
 }
 
 void Sym4Transform::forwardWtRun(buffer* src, buffer* subbands, unsigned int width,
                                  unsigned int height, unsigned int level, ThreadPool*) {
   const StageTimer timer(debug_);
-  const plane_group* group = readyGroup("Sym4Transform::forwardWtRun", level, width, height);
-  if (group == nullptr) return;
+  const int columns = static_cast<int>(width);
+  const int rows = static_cast<int>(height);
+  const sym4_work work = workOf(level);
+  if (work.outer_samples == 0 || !sym4_can_walk_forward(work, columns, rows)) {
+    log_refused("Sym4Transform::forwardWtRun", level, width, height);
+    return;
+  }
   sym4_times times = times_for(debug_);
-  sym4_walk_forward(
-      samples_of(*src), subbands,
-      {samples_of(group->low), samples_of(group->high), samples_of(group->intermediate)},
-      static_cast<int>(width), static_cast<int>(height), config_.level[level] == kTwoDecompositions,
-      &times);
+  sym4_walk_forward(samples_of(*src), subbands, work, columns, rows,
+                    config_.level[level] == kTwoDecompositions, &times);
   log_times(debug_, times, "Sym4Transform::fwt", "Sym4Transform::fwtVert");
   timer.log("Sym4Transform::forwardWtRun");
 }
@@ -193,62 +192,26 @@ void Sym4Transform::inverseWtDifferentSband0Run(buffer* band0, buffer* subbands,
                                                 unsigned int width, unsigned int height,
                                                 unsigned int level) {
   const StageTimer timer(debug_);
-  const plane_group* group =
-      readyGroup("Sym4Transform::inverseWtDifferentSband0Run", level, width, height);
-  if (group == nullptr) return;
   const int columns = static_cast<int>(width);
   const int rows = static_cast<int>(height);
-  const bool two_decompositions = config_.level[level] == kTwoDecompositions;
-  if (two_decompositions && sym4_can_walk_inverse(*band0, columns, rows)) {
+  const sym4_work work = workOf(level);
+  const bool two_decompositions = level < 3 && config_.level[level] == kTwoDecompositions;
+  const int difference = 2 * static_cast<int>(band0->width) - columns / 2;
+  const bool ready = work.outer_samples > 0;
+  if (ready && two_decompositions && sym4_can_walk_inverse(work, *band0, columns)) {
+    if (difference != 0) VOREL_LOGI("iwtVertPitch: %d", difference);
     sym4_times times = times_for(debug_);
-    sym4_walk_inverse(
-        *band0, subbands, samples_of(*out),
-        {samples_of(group->low), samples_of(group->high), samples_of(group->intermediate)}, columns,
-        rows, &times);
+    sym4_walk_inverse(*band0, subbands, samples_of(*out), work, columns, rows, &times);
     log_times(debug_, times, "Sym4Transform::iwt", "Sym4Transform::iwtVert");
+  } else if (ready && !two_decompositions && work.outer_samples >= int64_t{columns / 2} * rows) {
+    iwtVert(samples_of(*band0), samples_of(subbands[4]), work.low, columns / 2, rows / 2);
+    iwtVert(samples_of(subbands[5]), samples_of(subbands[6]), work.high, columns / 2, rows / 2);
+    iwt(work.low, work.high, samples_of(*out), columns / 2, rows);
   } else {
-    inversePasses(*group, band0, subbands, out, columns, rows, two_decompositions);
-  }
-  timer.log("Sym4Transform::inverseWtDifferentSband0Run");
-}
-
-// One pass after the other over whole planes, for what the walk does not cover.
-void Sym4Transform::inversePasses(const plane_group& group, buffer* band0, buffer* subbands,
-                                  buffer* out, int width, int height, bool twoDecompositions) {
-  const int half = width / 2;
-  const int half_rows = height / 2;
-  const int columns = 2 * static_cast<int>(band0->width);
-  const int quarter_rows = static_cast<int>(band0->height);
-  // Rows of the low band up to the last one that the second level writes. Those after it hold
-  // anything, and what they lead to is as undefined as if it were not written.
-  const int low_rows = std::max(0, 2 * quarter_rows - 5);
-  const bool fits = holds(group.low, half, height) && holds(group.high, half, height) &&
-                    (!twoDecompositions || (holds(group.low, columns, quarter_rows) &&
-                                            holds(group.high, columns, quarter_rows) &&
-                                            holds(group.intermediate, columns, low_rows)));
-  if (!fits) {
-    VOREL_LOGE("Sym4Transform::inverseWtDifferentSband0Run, %d x %d is too large", width, height);
+    log_refused("Sym4Transform::inverseWtDifferentSband0Run", level, width, height);
     return;
   }
-  _Float16* low = samples_of(group.low);
-  _Float16* high = samples_of(group.high);
-  if (!twoDecompositions) {
-    iwtVert(samples_of(*band0), samples_of(subbands[4]), low, half, half_rows);
-  } else {
-    _Float16* intermediate = samples_of(group.intermediate);
-    iwt(samples_of(*band0), samples_of(subbands[1]), low, columns / 2, quarter_rows);
-    iwt(samples_of(subbands[2]), samples_of(subbands[3]), high, columns / 2, quarter_rows);
-    iwtVert(low, high, intermediate, columns, quarter_rows);
-    const int rows = std::min(half_rows, low_rows);
-    if (columns != half) {
-      VOREL_LOGI("iwtVertPitch: %d", columns - half);
-      iwtVertPitch(intermediate, samples_of(subbands[4]), low, half, rows, columns - half);
-    } else {
-      iwtVert(intermediate, samples_of(subbands[4]), low, half, rows);
-    }
-  }
-  iwtVert(samples_of(subbands[5]), samples_of(subbands[6]), high, half, half_rows);
-  iwt(low, high, samples_of(*out), half, height);
+  timer.log("Sym4Transform::inverseWtDifferentSband0Run");
 }
 
 void* fwtFunc(void* argument) {

@@ -122,12 +122,6 @@ class ForwardWalk {
   RowRing low_low_;
 };
 
-// End of the first level's row pairs: a pair needs its rows of the low band, of which the second
-// level writes the rows up to 2 * rows2 - 6.
-int first_level_end(int half_rows, int rows2) {
-  return std::min(sym4_synthesis_end(half_rows), sym4_synthesis_end(2 * rows2 - 5));
-}
-
 class InverseWalk {
  public:
   InverseWalk(const buffer& band0, const buffer* subbands, _Float16* out, const sym4_work& work,
@@ -137,12 +131,13 @@ class InverseWalk {
         out_(out),
         work_(work),
         half_(width / 2),
+        quarter_(static_cast<int>(band0.width)),
         rows2_(static_cast<int>(band0.height)),
-        end_(first_level_end(height / 2, rows2_)),
+        end_(sym4_synthesis_end(height / 2)),
         times_(times),
-        low2_(work.low, half_),
-        high2_(work.high, half_),
-        middle_(work.intermediate, half_) {}
+        low2_(work.low, 2 * quarter_),
+        high2_(work.high, 2 * quarter_),
+        middle_(work.intermediate, 2 * quarter_) {}
 
   void run() {
     int row2 = kSym4First;
@@ -158,12 +153,11 @@ class InverseWalk {
  private:
   void second_level_rows(int k) {
     times_->horizontal.run([&] {
-      const int quarter = half_ / 2;
       for (; joined_ < k + 3; ++joined_) {
-        sym4_synthesise_row(row_of(band0_, joined_, quarter),
-                            row_of(subbands_[1], joined_, quarter), low2_.row(joined_), quarter);
-        sym4_synthesise_row(row_of(subbands_[2], joined_, quarter),
-                            row_of(subbands_[3], joined_, quarter), high2_.row(joined_), quarter);
+        sym4_synthesise_row(row_of(band0_, joined_, quarter_),
+                            row_of(subbands_[1], joined_, quarter_), low2_.row(joined_), quarter_);
+        sym4_synthesise_row(row_of(subbands_[2], joined_, quarter_),
+                            row_of(subbands_[3], joined_, quarter_), high2_.row(joined_), quarter_);
       }
     });
     times_->vertical.run([&] {
@@ -171,19 +165,19 @@ class InverseWalk {
       const _Float16* high[kSym4SynthesisRows];
       low2_.window(k - 2, low);
       high2_.window(k - 2, high);
-      sym4_synthesise_rows(low, high, middle_.row(2 * k - 1), middle_.row(2 * k), half_);
+      sym4_synthesise_rows(low, high, middle_.row(2 * k - 1), middle_.row(2 * k), 2 * quarter_);
     });
   }
 
   void first_level_rows(int k) {
-    _Float16* low_odd = row_of(work_.low, kRingRows, half_);
+    _Float16* low_odd = row_of(work_.low, kRingRows, 2 * quarter_);
     _Float16* low_even = low_odd + half_;
-    _Float16* high_odd = row_of(work_.high, kRingRows, half_);
+    _Float16* high_odd = row_of(work_.high, kRingRows, 2 * quarter_);
     _Float16* high_even = high_odd + half_;
     times_->vertical.run([&] {
       const _Float16* low[kSym4SynthesisRows];
       const _Float16* high[kSym4SynthesisRows];
-      middle_.window(k - 2, low);
+      for (int i = 0; i < kSym4SynthesisRows; ++i) low[i] = middle_row(k - 2 + i);
       plane_window(subbands_[4], k - 2, half_, high);
       sym4_synthesise_rows(low, high, low_odd, low_even, half_);
       plane_window(subbands_[5], k - 2, half_, low);
@@ -197,13 +191,22 @@ class InverseWalk {
     });
   }
 
+  // A row of the low band. One that the second level does not write is read where the intermediate
+  // plane holds it, as a pass over whole planes does.
+  const _Float16* middle_row(int row) const {
+    const bool written = row >= 2 * kSym4First - 1 && row < 2 * rows2_ - 5;
+    const bool in_plane = (int64_t{row} + 1) * 2 * quarter_ <= work_.intermediate_samples;
+    return written || !in_plane ? middle_.row(row) : row_of(work_.intermediate, row, 2 * quarter_);
+  }
+
   const buffer& band0_;
   const buffer* subbands_;
   _Float16* out_;
   sym4_work work_;
-  int half_;
-  int rows2_;  // of the second level's bands
-  int end_;    // of the first level's row pairs
+  int half_;     // columns of the first level's bands
+  int quarter_;  // columns of the second level's bands
+  int rows2_;    // of the second level's bands
+  int end_;      // of the first level's row pairs
   int joined_ = 0;
   sym4_times* times_;
   RowRing low2_;
@@ -213,14 +216,23 @@ class InverseWalk {
 
 }  // namespace
 
+bool sym4_can_walk_forward(const sym4_work& work, int width, int height) {
+  // Rings with fewer rows are not filled, and without full ones there is no second level.
+  const int64_t half = width / 2;
+  return work.outer_samples >= half * std::min(height, kRingRows + 2) &&
+         work.intermediate_samples >= half * std::min(height / 2, kRingRows);
+}
+
+bool sym4_can_walk_inverse(const sym4_work& work, const buffer& band0, int width) {
+  const int64_t half = width / 2;
+  const int64_t ring = 2 * int64_t{band0.width} * kRingRows;
+  return 2 * int64_t{band0.width} >= half && work.outer_samples >= ring + 2 * half &&
+         work.intermediate_samples >= ring;
+}
+
 void sym4_walk_forward(const _Float16* src, const buffer* subbands, const sym4_work& work,
                        int width, int height, bool second_level, sym4_times* times) {
   ForwardWalk(src, subbands, work, width, height, times).run(second_level);
-}
-
-bool sym4_can_walk_inverse(const buffer& band0, int width, int height) {
-  // From 20 rows on `low` and `high` hold a ring and two rows more, `intermediate` holds a ring.
-  return height >= 20 && uint64_t{band0.width} * 2 == static_cast<uint64_t>(width / 2);
 }
 
 void sym4_walk_inverse(const buffer& band0, const buffer* subbands, _Float16* out,

@@ -2,8 +2,8 @@
 //
 // Each row goes through all passes while it is in the cache; the working planes serve as rings of a
 // few rows, the rest of them is not touched. The results are those of the passes run one after the
-// other over whole planes. Rows whose taps reach rows that no pass writes may differ: those hold
-// anything.
+// other over whole planes. A sample that no pass writes holds anything; what follows from it does
+// too, but equals what the passes make of it as far as that costs nothing.
 #ifndef VOREL_WAVELET_SYM4_WALK_H_
 #define VOREL_WAVELET_SYM4_WALK_H_
 
@@ -37,26 +37,28 @@ struct sym4_times {
   PassTime vertical;
 };
 
-// Working planes of one level, in rows of width / 2 samples. `low` and `high` need as many rows as
-// the plane that is walked, `intermediate` half as many, but never more than kSym4WorkRows.
-inline constexpr int kSym4WorkRows = 10;
+// Working planes of one level and the samples that they hold.
 struct sym4_work {
   _Float16* low;
   _Float16* high;
   _Float16* intermediate;
+  int64_t outer_samples;  // of `low`, and of `high`
+  int64_t intermediate_samples;
 };
+
+// Whether the walks fit into the working planes. Planes of height x width / 2 and height / 2 x
+// width / 2 samples always hold a forward walk; an inverse walk needs about 20 rows, and a second
+// level whose low band is at least as wide as the first level's rows.
+[[nodiscard]] bool sym4_can_walk_forward(const sym4_work& work, int width, int height);
+[[nodiscard]] bool sym4_can_walk_inverse(const sym4_work& work, const buffer& band0, int width);
 
 // Decomposes a plane of `width` x `height` samples: with `second_level` into subbands[0..6], else
 // into subbands[4..7].
 void sym4_walk_forward(const _Float16* src, const buffer* subbands, const sym4_work& work,
                        int width, int height, bool second_level, sym4_times* times);
 
-// Whether the walk can rebuild a plane of this size from this low band: the second level must have
-// just the columns of the first, and the planes must hold the rings.
-[[nodiscard]] bool sym4_can_walk_inverse(const buffer& band0, int width, int height);
-
 // Rebuilds a plane from `band0` and subbands[1..6]; `out` has rows of 2 * (width / 2) samples.
-// Rows 0 to 2 and the last ones are not written.
+// Rows 0 to 2 and those from 2 * (height / 2) - 5 on are not written.
 void sym4_walk_inverse(const buffer& band0, const buffer* subbands, _Float16* out,
                        const sym4_work& work, int width, int height, sym4_times* times);
 

@@ -9,6 +9,8 @@
 #include "vorel/wavelet/buffer.h"
 #include "vorel/wavelet/config.h"
 
+struct sym4_work;  // internal
+
 /// Decimating analysis and synthesis with eight taps. Nothing is extended at the edges: output
 /// samples whose taps leave the plane are not written and may hold anything; give planes a border.
 /// Analysis of n samples writes outputs 2 .. (n - 4) / 2 of n / 2; synthesis of n low and n high
@@ -70,10 +72,7 @@ class VOREL_EXPORT Sym4Transform {
     buffer intermediate;
   };
 
-  VOREL_LOCAL const plane_group* readyGroup(const char* name, unsigned int level,
-                                            unsigned int width, unsigned int height);
-  VOREL_LOCAL void inversePasses(const plane_group& group, buffer* band0, buffer* subbands,
-                                 buffer* out, int width, int height, bool twoDecompositions);
+  VOREL_LOCAL sym4_work workOf(unsigned int level) const;
 
   wavelet_config config_;
   int32_t width_;
