@@ -1,0 +1,112 @@
+// The Symlet-4 transform by the book: one output at a time, from lists of terms in order.
+#ifndef VOREL_TESTS_WAVELET_SYM4_PLAIN_H_
+#define VOREL_TESTS_WAVELET_SYM4_PLAIN_H_
+
+#include <cstddef>
+#include <functional>
+#include <vector>
+
+#include "tests/wavelet/plain_half.h"
+
+inline constexpr double kPlainTaps[8] = {0.0322265625,      0.012603759765625, 0.0992431640625,
+                                         0.2978515625,      0.8037109375,      0.49755859375,
+                                         0.029632568359375, 0.07574462890625};
+
+// Adds (+1) or subtracts (-1) tap times the sample at `offset`.
+struct PlainTerm {
+  int sign;
+  int tap;
+  int offset;
+  bool high = false;  // synthesis: from the high band
+};
+
+// Offsets count from sample 2k.
+inline const std::vector<PlainTerm> kPlainLow = {{1, 0, -4}, {-1, 1, -3}, {-1, 2, -2}, {1, 3, -1},
+                                                 {1, 4, 0},  {1, 5, 1},   {-1, 6, 2},  {-1, 7, 3}};
+inline const std::vector<PlainTerm> kPlainHigh = {{1, 6, -3}, {-1, 7, -4}, {1, 5, -2}, {-1, 4, -1},
+                                                  {1, 3, 0},  {1, 2, 1},   {-1, 1, 2}, {-1, 0, 3}};
+// Offsets count from sample k of the bands; outputs 2k - 1 and 2k.
+inline const std::vector<PlainTerm> kPlainOdd = {
+    {1, 5, -1},        {-1, 7, -2},      {1, 3, 0},        {-1, 1, 1},
+    {-1, 0, -2, true}, {1, 2, -1, true}, {-1, 4, 0, true}, {1, 6, 1, true}};
+inline const std::vector<PlainTerm> kPlainEven = {
+    {1, 4, 0},         {-1, 6, -1},     {-1, 2, 1},      {1, 0, 2},
+    {-1, 1, -1, true}, {1, 3, 0, true}, {1, 5, 1, true}, {-1, 7, 2, true}};
+
+// A line of samples: a row or a column.
+using PlainLine = std::function<_Float16(int index)>;
+
+inline _Float16 plain_sum(const std::vector<PlainTerm>& terms, int centre, const PlainLine& low,
+                          const PlainLine& high) {
+  PlainHalf sum = 0.0;
+  for (size_t i = 0; i < terms.size(); ++i) {
+    const PlainTerm& term = terms[i];
+    const PlainHalf sample = (term.high ? high : low)(centre + term.offset);
+    const PlainHalf product = sample * PlainHalf(kPlainTaps[term.tap]);
+    if (i == 0) {
+      sum = product;  // the first term is always added
+    } else {
+      sum = term.sign > 0 ? sum + product : sum - product;
+    }
+  }
+  return sum;
+}
+
+// A plane whose samples start as `value`.
+struct PlainPlane {
+  int width;
+  int height;
+  std::vector<_Float16> samples;
+
+  PlainPlane(int w, int h, _Float16 value = 0)
+      : width(w), height(h), samples(static_cast<size_t>(w) * static_cast<size_t>(h), value) {}
+  _Float16& at(int x, int y) { return samples[static_cast<size_t>(y) * width + x]; }
+  _Float16 at(int x, int y) const { return samples[static_cast<size_t>(y) * width + x]; }
+};
+
+// Calls body(line, k) for every output k of every line that a pass along rows or columns writes.
+template <typename Body>
+void for_each_output(int lines, int size, bool analysis, Body body) {
+  for (int line = 0; line < lines; ++line) {
+    if (analysis) {
+      // All eight taps inside: 2k - 4 >= 0 and 2k + 3 < size.
+      for (int k = 2; 2 * k + 3 < size; ++k) body(line, k);
+    } else {
+      for (int k = 2; k + 2 < size; ++k) body(line, k);
+    }
+  }
+}
+
+inline void plain_analyse(const PlainPlane& src, bool along_columns, PlainPlane* low,
+                          PlainPlane* high) {
+  const int lines = along_columns ? src.width : src.height;
+  const int size = along_columns ? src.height : src.width;
+  for_each_output(lines, size, true, [&](int line, int k) {
+    const PlainLine samples = [&](int i) {
+      return along_columns ? src.at(line, i) : src.at(i, line);
+    };
+    const int x = along_columns ? line : k;
+    const int y = along_columns ? k : line;
+    low->at(x, y) = plain_sum(kPlainLow, 2 * k, samples, samples);
+    high->at(x, y) = plain_sum(kPlainHigh, 2 * k, samples, samples);
+  });
+}
+
+// `size` low and high samples along `lines` rows or columns.
+inline void plain_synthesise(const PlainPlane& low, const PlainPlane& high, int lines, int size,
+                             bool along_columns, PlainPlane* out) {
+  for_each_output(lines, size, false, [&](int line, int k) {
+    const auto line_of = [&](const PlainPlane& plane) -> PlainLine {
+      return [&plane, line, along_columns](int i) {
+        return along_columns ? plane.at(line, i) : plane.at(i, line);
+      };
+    };
+    const auto store = [&](int position, _Float16 value) {
+      (along_columns ? out->at(line, position) : out->at(position, line)) = value;
+    };
+    store(2 * k - 1, plain_sum(kPlainOdd, k, line_of(low), line_of(high)));
+    store(2 * k, plain_sum(kPlainEven, k, line_of(low), line_of(high)));
+  });
+}
+
+#endif  // VOREL_TESTS_WAVELET_SYM4_PLAIN_H_
