@@ -151,22 +151,28 @@ TEST_F(Command, FramesBelowTheTuningsThresholdStayAsTheyAre) {
 }
 
 TEST_F(Command, PathSwitchesReachTheLibrary) {
+  // Built-in values for every frame: both paths are on.
+  write_text(directory / "t.json",
+             R"([{"CNRTuningSetfile": {"Date": "d"}, "enableNoiseIndex": 0}])");
+  const std::string noisy = directory / "noisy_64x48.nv21";
+  ASSERT_EQ(run_vorel({"noise", picture, "-o", noisy, "--gain", "2"}).status, 0);
   const auto denoised = [&](const std::vector<std::string>& switches) {
-    std::vector<std::string> arguments{"denoise", raw,   "-o", directory / "x_64x48.nv21",
-                                       "-n",      "6400"};
+    std::vector<std::string> arguments{
+        "denoise", noisy, "-o", directory / "x_64x48.nv21", "--tuning", directory / "t.json"};
     arguments.insert(arguments.end(), switches.begin(), switches.end());
     EXPECT_EQ(run_vorel(arguments).status, 0);
-    return read_text(directory / "x_64x48.nv21");
+    const std::string bytes = read_text(directory / "x_64x48.nv21");
+    return digest({bytes.begin(), bytes.end()});
   };
-  const std::string both = denoised({});
-  const std::string wavelet = denoised({"--no-spatial"});
-  const std::string spatial = denoised({"--no-wavelet"});
-  const std::string neither = denoised({"--no-spatial", "--no-wavelet"});
+  const std::string before = read_text(noisy);
+  const uint64_t both = denoised({});
+  const uint64_t wavelet = denoised({"--no-spatial"});
+  const uint64_t spatial = denoised({"--no-wavelet"});
   EXPECT_NE(both, wavelet);
   EXPECT_NE(both, spatial);
   EXPECT_NE(wavelet, spatial);
-  EXPECT_EQ(neither, read_text(raw));
-  EXPECT_EQ(both, denoised({"--format", "nm21"}));
+  EXPECT_EQ(denoised({"--no-spatial", "--no-wavelet"}), digest({before.begin(), before.end()}));
+  EXPECT_EQ(denoised({"--format", "nm21"}), both);
 }
 
 TEST_F(Command, UnknownSensorIsAWarningAndTheBuiltInValuesServe) {
