@@ -1,0 +1,139 @@
+#!/usr/bin/env bash
+# Makes the pictures of docs/tuning.md from the sample picture and prints how far each one is from
+# the clean form. A picture varies one or two keys and leaves the others as in the sample tuning.
+#   scripts/tuning_pictures.sh BUILD_DIR [OUTPUT_DIR]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+vorel=$1/tools/vorel
+out=${2:-docs/pictures}
+clean=samples/meadow.jpg
+size=2560x1440
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir -p "$out"
+
+# tuning NAME KEY=VALUE...: a tuning with a single noise level, so each table holds one value. Keys
+# that are not given are those of vorel_NOTHING.json at noise index 1600.
+tuning() {
+  local name=$1
+  shift
+  local -A value=(
+    [spatial]=1 [wavelet]=1 [span]=3 [delta]=7 [coef]='65489, 1375, -5503, 835, -37'
+    [d_y]=2 [d_y_lower]=1 [d_uv]=8 [cs]=48 [cs_lower]=36
+    [radial]=0.0 [t0]=45.0 [t1]=115.0 [t2]=64.0 [t3]=160.0 [t4]=46.0
+    [sat1]=0.0 [sat2]=0.0 [thr1]=65.0 [thr2]=40.0)
+  local pair
+  for pair in "$@"; do value[${pair%%=*}]=${pair#*=}; done
+  cat >"$work/$name.json" <<END
+[{"CNRTuningSetfile": {"Date": "$name"},
+  "enable": ${value[spatial]},
+  "noiseIndex_values": [100],
+  "enableNoiseIndex": 0,
+  "bilateralfiltering_tuning": {
+    "span_row": ${value[span]}, "span_col": ${value[span]},
+    "val_delta_th": ${value[delta]}, "val_weight_coef": [${value[coef]}],
+    "val_weight_denom_shift": 10},
+  "interleaving_tuning": {
+    "d_Y_upper_thresh_table": [${value[d_y]}], "d_Y_lower_thresh_table": [${value[d_y_lower]}],
+    "d_UV_thresh_table": [${value[d_uv]}],
+    "cs_upper_thresh_table": [${value[cs]}], "cs_lower_thresh_table": [${value[cs_lower]}]},
+  "MFD_UV_tuning": {
+    "enable": ${value[wavelet]}, "radialModeTable": [${value[radial]}],
+    "denoiseThrChroma0Table": [${value[t0]}], "denoiseThrChroma1Table": [${value[t1]}],
+    "denoiseThrChroma2Table": [${value[t2]}], "denoiseThrChroma3Table": [${value[t3]}],
+    "denoiseThrChroma4Table": [${value[t4]}],
+    "CSatParam1Table": [${value[sat1]}], "CSatParam2Table": [${value[sat2]}],
+    "CSatThr1Table": [${value[thr1]}], "CSatThr2Table": [${value[thr2]}]}}]
+END
+}
+
+# noisy GAIN: the noisy frame's name. Raw NV21, so that nothing is lost on the way.
+noisy() {
+  local file=$work/gain$1_$size.nv21
+  [ -e "$file" ] || "$vorel" noise "$clean" -o "$file" --gain "$1" --seed 1 >&2
+  echo "$file"
+}
+
+# variant GAIN NAME KEY=VALUE...: adds a denoised form to the row of the next `show`. Gain 0 is the
+# clean picture.
+row=()
+variant() {
+  local gain=$1 name=$2
+  shift 2
+  local source=$clean result=$work/${name}_$size.nv21
+  if [ "$gain" != 0 ]; then source=$(noisy "$gain"); fi
+  tuning "$name" "$@"
+  "$vorel" denoise "$source" -o "$result" --noise-index 100 --tuning "$work/$name.json" \
+    --quiet --log error
+  row+=("$result")
+}
+
+# show PICTURE CROP ZOOM: writes the row side by side, the clean picture at the right end. The detour
+# over a PNG is for the JPEG quality: a noise index below enableNoiseIndex changes nothing.
+show() {
+  local crop=$2 zoom=$3
+  echo "$1:"
+  "$vorel" compare "${row[@]}" --truth "$clean" --crop "$crop" --zoom "$zoom" \
+    -o "$work/$1.png" | grep -E 'PSNR|CIEDE' | tr -s ' '
+  "$vorel" denoise "$work/$1.png" -o "$out/$1.jpg" --noise-index 0 --tuning none --quality 80 \
+    --quiet --log error
+}
+
+blade=1070,960,144,112
+fibres=1050,560,144,112
+corner=2416,1328,144,112
+
+row=("$(noisy 16)")
+variant 16 t0_0 t0=0.0
+variant 16 t0_45
+variant 16 t0_1700 t0=1700.0
+show blotches $blade 2
+
+row=("$(noisy 16)")
+variant 16 t12_0 t1=0.0 t2=0.0
+variant 16 t12_115_64
+variant 16 t12_1700 t1=1700.0 t2=1700.0
+show middle $blade 2
+
+row=("$(noisy 16)")
+variant 16 t34_0 t3=0.0 t4=0.0
+variant 16 t34_28_5 t3=28.0 t4=5.0
+variant 16 t34_160_46
+show fine $blade 2
+
+row=("$(noisy 1)")
+weak=(t0=1.0 t1=2.5 t2=2.0 t3=80.0 t4=23.0)
+variant 1 weak "${weak[@]}" d_uv=4
+variant 1 builtin t0=100.0 t1=90.0 t2=70.0 t3=70.0 t4=60.0 d_uv=16 d_y=4
+show builtin $fibres 2
+
+row=("$(noisy 16)")
+half=(t0=17.0 t1=40.0 t2=28.0 t3=115.0 t4=37.0)
+variant 16 radial_0 "${half[@]}"
+variant 16 radial_1 "${half[@]}" radial=1.0
+show radial_corner $corner 2
+show radial_centre 1210,700,144,112 2
+
+off=(t0=0.0 t1=0.0 t2=0.0 t3=0.0 t4=0.0 d_uv=0)
+row=()
+variant 0 sat_weak "${off[@]}" sat2=-80.0 thr1=30.0 thr2=12.0
+variant 0 sat_strong "${off[@]}" sat1=50.0 thr1=30.0 thr2=12.0
+show saturation 2180,960,320,240 1
+
+row=("$(noisy 8)")
+alone=(wavelet=0 d_uv=64)
+variant 8 d_uv_8 "${alone[@]}" d_uv=8
+variant 8 d_uv_64 "${alone[@]}"
+variant 8 d_uv_128 "${alone[@]}" d_uv=128 cs=192 cs_lower=144
+show spatial $blade 2
+
+row=("$(noisy 8)")
+variant 8 d_y_4 d_y=4 d_y_lower=2
+variant 8 d_y_64 d_y=64
+show luma $fibres 2
+
+row=("$(noisy 8)")
+variant 8 span_1 "${alone[@]}" span=1
+variant 8 span_7 "${alone[@]}" span=7
+variant 8 plain "${alone[@]}" coef='65536, 0, 0, 0, 0'
+show bilateral $blade 2
