@@ -1,4 +1,5 @@
 // The Symlet-4 transform of one chroma plane, whole and pass by pass, and the border around it.
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -64,6 +65,30 @@ void register_sym4(const std::string& name, Body body) {
                       });
 }
 
+// The vertical analysis as a loop that leaves everything to the compiler: what a pass of the
+// library is to be held against.
+void plain_fwt_vert(const _Float16* src, _Float16* low, _Float16* high, ptrdiff_t width,
+                    ptrdiff_t height) {
+  const _Float16 t[8] = {
+      static_cast<_Float16>(0.0322265625f),      static_cast<_Float16>(0.012603759765625f),
+      static_cast<_Float16>(0.0992431640625f),   static_cast<_Float16>(0.2978515625f),
+      static_cast<_Float16>(0.8037109375f),      static_cast<_Float16>(0.49755859375f),
+      static_cast<_Float16>(0.029632568359375f), static_cast<_Float16>(0.07574462890625f)};
+  for (ptrdiff_t k = 2; k <= (height - 4) / 2; ++k) {
+    const _Float16* a = src + 2 * k * width;
+    _Float16* __restrict lo = low + k * width;
+    _Float16* __restrict hi = high + k * width;
+    const ptrdiff_t w = width;
+#pragma clang loop vectorize(enable)
+    for (ptrdiff_t x = 0; x < w; ++x) {
+      lo[x] = a[x - 4 * w] * t[0] - a[x - 3 * w] * t[1] - a[x - 2 * w] * t[2] + a[x - w] * t[3] +
+              a[x] * t[4] + a[x + w] * t[5] - a[x + 2 * w] * t[6] - a[x + 3 * w] * t[7];
+      hi[x] = a[x - 3 * w] * t[6] - a[x - 4 * w] * t[7] + a[x - 2 * w] * t[5] - a[x - w] * t[4] +
+              a[x] * t[3] + a[x + w] * t[2] - a[x + 2 * w] * t[1] - a[x + 3 * w] * t[0];
+    }
+  }
+}
+
 // Interleaved chroma of a frame and the two bordered planes made of it.
 struct BorderBench {
   std::vector<uint8_t> chroma;
@@ -117,6 +142,10 @@ const bool kRegistered = [] {
   register_sym4("fwtVert", [](Sym4Bench& bench) {
     bench.transform.fwtVert(bench.plane.samples.data(), bench.low.samples.data(),
                             bench.high.samples.data(), bench.width, bench.height);
+  });
+  register_sym4("fwtVert_plain_loop", [](Sym4Bench& bench) {
+    plain_fwt_vert(bench.plane.samples.data(), bench.low.samples.data(), bench.high.samples.data(),
+                   bench.width, bench.height);
   });
   register_sym4("iwt", [](Sym4Bench& bench) {
     bench.transform.iwt(bench.low.samples.data(), bench.high.samples.data(),
