@@ -80,9 +80,9 @@ inline int32_t chroma_weight(int32_t saturation, int32_t distance, int32_t lower
   const int32_t scale = raised < upper ? raised : upper;
   const float quotient =
       static_cast<float>(64 * distance + (scale >> 1)) / static_cast<float>(scale);
-  // 0 / 0 becomes `total` here.
-  const int32_t weight = static_cast<int32_t>(quotient < total ? quotient : total);
-  return scale > 0 ? weight : 0;
+  // Selected before the conversion: a quotient by 0 need not fit an integer.
+  const float bounded = quotient < total ? quotient : total;
+  return static_cast<int32_t>(scale > 0 ? bounded : 0.0f);
 }
 
 // The mean for any total. The sum is at most 32768 in size, so the quotient fits 32 bits.
