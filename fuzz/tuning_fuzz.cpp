@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 
 #include "tuning/tuning.h"
 #include "vorel/filters.h"
@@ -18,9 +19,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       json_loadb(reinterpret_cast<const char*>(data), size, JSON_DISABLE_EOF_CHECK, nullptr);
   if (root == nullptr) return 0;
 
-  // Both readers drop a reference of a root that they refuse.
+  // Each of the two readers drops a reference of a root that it refuses.
+  json_incref(root);
+  json_incref(root);
   char version[kTuningVersionSize] = {};
-  getTuningVersions(json_incref(root), version);
+  getTuningVersions(root, version);
   if (version[kTuningVersionSize - 1] != '\0') __builtin_trap();
 
   cnr_tuning tuning{};
@@ -33,5 +36,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   log_tuning(&tuning);
   log_current_tuning(&tuning);
+
+  const size_t references = root->refcount;
+  if (references != 1 && references != 3) __builtin_trap();
+  for (size_t i = 0; i < references; ++i) ReleaseJson(root);
   return 0;
 }
