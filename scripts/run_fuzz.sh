@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs every fuzz target for some seconds, starting from the tuning files of the tree and from what
-# earlier runs found (out/fuzz/<target>). A find is written there and ends the run with status 1.
+# Runs every fuzz target for some seconds, starting from the tree's tuning files and from what earlier
+# runs found (out/fuzz/<target>). A find is written there and ends the run with status 1.
 #   scripts/run_fuzz.sh BUILD_DIR SECONDS
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -11,7 +11,11 @@ for target in tuning run; do
   found=out/fuzz/$target
   mkdir -p "$found"
   seeds=()
-  if [ "$target" = tuning ]; then seeds=(tuning/samples); fi
+  if [ "$target" = tuning ]; then
+    # The words of tuning files, so that mutations meet them.
+    grep -ohE '"[A-Za-z0-9_]+"' tuning/samples/*.json | sort -u | sed 's/"/\\"/g; s/.*/"&"/' >out/fuzz/words
+    seeds=(-dict=out/fuzz/words tuning/samples tests/tuning/data)
+  fi
   log=out/fuzz/$target.log
   # Long inputs from the start: short ones hold no frame that the library accepts.
   if ! "$build/fuzz/${target}_fuzz" -len_control=0 -max_len=8192 -max_total_time="$seconds" \
