@@ -39,8 +39,8 @@ BorderHandler* BorderHandler::getInstance() {
   return &borderHdl;
 }
 
-void BorderHandler::runCopyAndPad(const buffer* in, buffer* first, buffer* second,
-                                  unsigned rowBegin, unsigned rowEnd) {
+void BorderHandler::runCopyAndPad(buffer* in, buffer* first, buffer* second, unsigned rowBegin,
+                                  unsigned rowEnd) {
   if (is_empty(*first)) return;
   const border_cut cut = cut_of(*first);
   const auto* pairs = static_cast<const uint8_t*>(in->data);
@@ -55,7 +55,7 @@ void BorderHandler::runPad(buffer* first, buffer* second, unsigned rowBegin, uns
   pad_plane(*second, rowBegin, rowEnd);
 }
 
-void BorderHandler::stripPad(const _Float16* padded, _Float16* out, int stride, int padX, int padY,
+void BorderHandler::stripPad(_Float16* padded, _Float16* out, int stride, int padX, int padY,
                              int width, int height) {
   const _Float16* src = padded + ptrdiff_t{padY} * stride + padX;
   for (ptrdiff_t row = 0; row < height; ++row) {
@@ -64,7 +64,7 @@ void BorderHandler::stripPad(const _Float16* padded, _Float16* out, int stride, 
   }
 }
 
-void boxFilter3x3(const buffer* in, buffer* out, buffer*) {
+void boxFilter3x3(buffer* in, buffer* out, buffer*) {
   if (in->width == 0) return;
   for (size_t row = 0; row < in->height; ++row) {
     const size_t above = row > 0 ? row - 1 : 0;

@@ -15,8 +15,7 @@ class VOREL_EXPORT BorderHandler {
   /// `in`: at least as many rows and pairs as the inner area of the outputs; its `width` is the
   /// bytes per row. Rows are counted in bordered coordinates. Both outputs have the same geometry;
   /// with an empty inner area nothing is written.
-  void runCopyAndPad(const buffer* in, buffer* first, buffer* second, unsigned rowBegin,
-                     unsigned rowEnd);
+  void runCopyAndPad(buffer* in, buffer* first, buffer* second, unsigned rowBegin, unsigned rowEnd);
 
   /// Fills the border samples of the rows [rowBegin, rowEnd) of two planes whose inner area is
   /// there already.
@@ -24,7 +23,7 @@ class VOREL_EXPORT BorderHandler {
 
   /// Copies `height` rows of `width` samples, starting at column `padX` and row `padY` of a plane
   /// with `stride` samples per row, to the dense plane `out`.
-  void stripPad(const _Float16* padded, _Float16* out, int stride, int padX, int padY, int width,
+  void stripPad(_Float16* padded, _Float16* out, int stride, int padX, int padY, int width,
                 int height);
 };
 
@@ -32,6 +31,6 @@ class VOREL_EXPORT BorderHandler {
 /// plane: the nine samples are added in row order from 0 and the sum is multiplied by 1/9, each
 /// step in half precision. `scratch` is not used and may be null. `in` and `out` have one size and
 /// must not overlap.
-VOREL_EXPORT void boxFilter3x3(const buffer* in, buffer* out, buffer* scratch);
+VOREL_EXPORT void boxFilter3x3(buffer* in, buffer* out, buffer* scratch);
 
 #endif  // VOREL_WAVELET_BORDER_HANDLER_H_
