@@ -26,8 +26,7 @@ const libyuv::YuvConstants* swapped_constants(Colour colour) {
 
 Nv21Frame rgb_to_nv21(const RgbImage& image, Colour colour) {
   if (colour.matrix == Matrix::kBt709) {
-    throw usage_error(
-        "--matrix 709 works for raw and y4m files only: RGB pictures cannot be converted to it");
+    throw usage_error("--matrix 709: RGB can be made from BT.709 YUV, but not turned into it");
   }
   Nv21Frame frame(image.width, image.height, colour);
   const int stride = static_cast<int>(image.stride());
