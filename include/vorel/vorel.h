@@ -67,9 +67,10 @@ VOREL_EXPORT void* vorel_run(vorel* handle, void* in_address_1, void* in_address
 
 /* Frees the half-precision planes of the handle's last frame and forgets them, so that memory stays
  * flat over many frames. Waits for a frame in flight on another thread, for ever if the slot stays
- * taken (see vorel_run). Does nothing for a null handle or when there are no planes. Must not overlap
- * with vorel_deinit. Callers that share a handle must hold a lock of their own from vorel_run to this
- * call: a frame of another caller in between would make the handle forget this frame's planes. */
+ * taken (see vorel_run). Does nothing for a null handle or when there are no planes. Must not
+ * overlap with vorel_deinit. Callers that share a handle must hold a lock of their own from
+ * vorel_run to this call: a frame of another caller in between would make the handle forget this
+ * frame's planes. */
 VOREL_EXPORT void vorel_release_frame_buffers(vorel* handle);
 
 /* Releases the handle and everything it owns. Returns 0, or -1 (logged) when `handle` is null.
