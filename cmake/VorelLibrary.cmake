@@ -63,8 +63,10 @@ if(ANDROID)
   target_include_directories(vorel_core SYSTEM PRIVATE ${CUTILS_INCLUDE_DIR})
   target_link_libraries(vorel PRIVATE ${CUTILS_LIBRARY})
 else()
+  # An installed library finds liblog where Debian keeps it.
+  get_filename_component(VOREL_LIBLOG_DIRECTORY ${AndroidLog_LIBRARY} DIRECTORY)
   set_target_properties(vorel PROPERTIES VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR})
+    SOVERSION ${PROJECT_VERSION_MAJOR} INSTALL_RPATH "${VOREL_LIBLOG_DIRECTORY}")
 endif()
 target_link_options(vorel PRIVATE -Wl,--version-script=${VOREL_VERSION_SCRIPT}
   -Wl,--no-undefined-version -Wl,-z,relro,-z,now,-z,noexecstack,-z,nodelete
