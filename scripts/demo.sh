@@ -12,8 +12,8 @@ clean=samples/meadow.jpg
 tuning=tuning/samples/vorel_NOTHING.json
 spatial_tuning=tuning/samples/vorel_WT1240.json
 out=out/demo
-# Saturated colour, fine detail and a dark part.
-crop=${DEMO_CROP:-1100,500,480,360}
+# A saturated stem, fine detail and dark grass.
+crop=${DEMO_CROP:-620,640,480,360}
 mkdir -p "$out"
 
 # The figures of one picture, "U V CIEDE2000", from the JSON of `vorel compare`.
