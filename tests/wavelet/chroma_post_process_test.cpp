@@ -1,0 +1,150 @@
+#include "vorel/wavelet/chroma_post_process.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <random>
+#include <vector>
+
+#include "tests/support/log_capture.h"
+
+namespace {
+
+constexpr uint16_t kNan = 0x7E00;
+
+// What lent memory holds before the stage writes to it.
+enum class Fill { kZero, kRandom, kNan, kNothingLent };
+
+struct Parameters {
+  _Float16 thresholds[5] = {40, 40, 28, 5, 2};
+  _Float16 radial_mode = 0;
+  _Float16 sat_param_1 = 0;
+  _Float16 sat_param_2 = 0;
+};
+
+// Four planes as a handle of the frame's size lends them.
+struct LentPlanes {
+  LentPlanes(int width, int height, Fill fill) {
+    const uint32_t cols = static_cast<uint32_t>((width / 2 + 65) & ~1);
+    const uint32_t rows = static_cast<uint32_t>((height / 2 + 65) & ~1);
+    const uint32_t aligned = static_cast<uint32_t>((height + 15) & ~15);
+    const uint32_t sizes[4][2] = {{2 * rows, cols},
+                                  {2 * rows, cols},
+                                  {aligned, static_cast<uint32_t>(width)},
+                                  {aligned, static_cast<uint32_t>(width)}};
+    std::mt19937 random(3);
+    for (int i = 0; i < 4; ++i) {
+      memory[i].resize((sizes[i][0] * sizes[i][1] + 1) / 2);
+      for (uint16_t& word : memory[i]) {
+        word =
+            fill == Fill::kNan ? kNan : static_cast<uint16_t>(fill == Fill::kRandom ? random() : 0);
+      }
+      if (fill == Fill::kNothingLent) continue;
+      records[i].data = memory[i].data();
+      records[i].height = sizes[i][0];
+      records[i].width = sizes[i][1];
+    }
+  }
+  std::vector<uint16_t> memory[4];
+  buffer records[4] = {};
+};
+
+std::vector<uint8_t> make_chroma(int width, int height) {
+  std::mt19937 random(9);
+  std::vector<uint8_t> chroma(static_cast<size_t>(width) * static_cast<size_t>(height / 2));
+  for (size_t i = 0; i < chroma.size(); ++i) {
+    chroma[i] = static_cast<uint8_t>(90 + i % 2 * 60 + i / 96 % 20 + random() % 40);
+  }
+  return chroma;
+}
+
+buffer describe_pairs(std::vector<uint8_t>* chroma, int width, int height) {
+  buffer pairs{};
+  pairs.data = chroma->data();
+  pairs.height = pairs.innerHeight = static_cast<uint32_t>(height / 2);
+  pairs.width = static_cast<uint32_t>(width);
+  pairs.innerWidth = pairs.width / 2;
+  pairs.kind = VOREL_PLANE_PAIRS;
+  return pairs;
+}
+
+std::vector<uint8_t> run_stage(int width, int height, Fill fill, Parameters p = {},
+                               ThreadPool* pool = nullptr) {
+  std::vector<uint8_t> chroma = make_chroma(width, height);
+  LentPlanes lent(width, height, fill);
+  buffer pairs = describe_pairs(&chroma, width, height);
+  ChromaPostProcess process;
+  EXPECT_TRUE(process.setup(width, height, p.thresholds, p.radial_mode, p.sat_param_1,
+                            p.sat_param_2, 65, 40, 0, nullptr, pool, nullptr, nullptr,
+                            lent.records));
+  EXPECT_EQ(process.chromaPostProcess(&pairs, &pairs), 0);
+  process.deallocate();
+  return chroma;
+}
+
+class ChromaPostProcessTest : public ::testing::Test {
+ protected:
+  LogCapture log_;
+};
+
+constexpr int kSizes[][2] = {{16, 2},   {16, 17},   {48, 50},   {128, 72},
+                             {144, 54}, {176, 146}, {160, 960}, {1008, 34}};
+
+TEST_F(ChromaPostProcessTest, UndefinedSamplesNeverReachTheOutput) {
+  for (const auto& [width, height] : kSizes) {
+    for (float radial : {0.0f, 2.0f, -1.3f}) {
+      SCOPED_TRACE(std::to_string(width) + "x" + std::to_string(height));
+      Parameters p;
+      p.radial_mode = static_cast<_Float16>(radial);
+      const std::vector<uint8_t> expected = run_stage(width, height, Fill::kZero, p);
+      EXPECT_NE(expected, make_chroma(width, height));
+      EXPECT_EQ(run_stage(width, height, Fill::kRandom, p), expected);
+      EXPECT_EQ(run_stage(width, height, Fill::kNan, p), expected);
+      EXPECT_EQ(run_stage(width, height, Fill::kNothingLent, p), expected);
+    }
+  }
+}
+
+TEST_F(ChromaPostProcessTest, WorkersAndOrderChangeNothing) {
+  const std::vector<uint8_t> expected = run_stage(176, 146, Fill::kZero);
+  for (int workers : {1, 2, 6}) {
+    ThreadPool pool;
+    ASSERT_EQ(pool.init(workers, 0xFF, 0), 0);
+    EXPECT_EQ(run_stage(176, 146, Fill::kNan, {}, &pool), expected);
+    pool.deinit();
+  }
+}
+
+TEST_F(ChromaPostProcessTest, ThresholdsOfZeroKeepTheChroma) {
+  Parameters p;
+  for (_Float16& threshold : p.thresholds) threshold = 0;
+  const std::vector<uint8_t> before = make_chroma(176, 146);
+  const std::vector<uint8_t> after = run_stage(176, 146, Fill::kNan, p);
+  int largest = 0;
+  for (size_t i = 0; i < before.size(); ++i) {
+    largest = std::max(largest, std::abs(before[i] - after[i]));
+  }
+  // The transforms alone give the samples back to a few roundings of half precision.
+  EXPECT_LE(largest, 2);
+}
+
+TEST_F(ChromaPostProcessTest, SetupLogsSizesAndSetsTheLevels) {
+  Parameters p;
+  ChromaPostProcess process;
+  ASSERT_TRUE(process.setup(4000, 3000, p.thresholds, 0, 0, 0, 65, 40, 0, nullptr, nullptr, nullptr,
+                            nullptr, nullptr));
+  EXPECT_EQ(log_.count("ChromaPostProcess::setup, UVSize 2000, 1500, UVSizeb 2064, 1564, UVL1Sizeb "
+                       "1032, 782, UVL2Sizeb 516, 391"),
+            1);
+  EXPECT_EQ(process.getWtRange(0, WT_SUBBAND_FIRST), 4u);
+  EXPECT_EQ(process.getWtRange(0, WT_SUBBAND_LAST), 8u);
+  EXPECT_EQ(process.getWtRange(2, WT_SUBBAND_LAST), 7u);
+  process.setWtCfg(0, 2, 3);
+  EXPECT_EQ(process.getWtRange(0, WT_SUBBAND_FIRST), 0u);
+  EXPECT_EQ(process.getWtRange(1, WT_SUBBAND_LAST), 8u);
+  process.deallocate();
+  process.deallocate();
+}
+
+}  // namespace
