@@ -1,4 +1,4 @@
-// The helpers behind the three calls, in C++: a plane is cut into tiles of rows and the column box
+// The C++ interface behind the three calls: a plane is cut into tiles of rows and the column box
 // filter runs on them as jobs of a thread pool.
 #include <vorel/filters.h>
 #include <vorel/thread_pool.h>
