@@ -106,6 +106,33 @@ TEST_F(ChromaPostProcessTest, UndefinedSamplesNeverReachTheOutput) {
   }
 }
 
+// The strongest chroma there is, pixel by pixel, stays finite on its way through both transforms.
+TEST_F(ChromaPostProcessTest, ExtremeChromaStaysFinite) {
+  constexpr int kWidth = 176;
+  constexpr int kHeight = 146;
+  std::vector<uint8_t> chroma(kWidth * (kHeight / 2));
+  std::mt19937 random(5);
+  for (uint8_t& sample : chroma) sample = random() % 2 != 0 ? 255 : 0;
+  LentPlanes lent(kWidth, kHeight, Fill::kZero);
+  buffer pairs = describe_pairs(&chroma, kWidth, kHeight);
+  Parameters p;
+  p.radial_mode = 2;
+  ChromaPostProcess process;
+  ASSERT_TRUE(process.setup(kWidth, kHeight, p.thresholds, p.radial_mode, -20, 35, 65, 40, 0,
+                            nullptr, nullptr, nullptr, nullptr, lent.records));
+  process.chromaPostProcess(&pairs, &pairs);
+  process.deallocate();
+  const size_t pitch = lent.records[0].width;
+  for (int plane = 0; plane < 2; ++plane) {
+    for (size_t row = 32; row < 32 + kHeight / 2; ++row) {
+      for (size_t col = 32; col < 32 + kWidth / 2; ++col) {
+        const uint16_t bits = lent.memory[plane][row * pitch + col];
+        ASSERT_NE(bits & 0x7C00, 0x7C00) << plane << " " << row << " " << col;
+      }
+    }
+  }
+}
+
 TEST_F(ChromaPostProcessTest, WorkersAndOrderChangeNothing) {
   const std::vector<uint8_t> expected = run_stage(176, 146, Fill::kZero);
   for (int workers : {1, 2, 6}) {
