@@ -18,6 +18,22 @@ constexpr bilateralfiltering_tuning wide_tuning() {
   return tuning;
 }
 
+// Byte weights that fall with the difference, up to the threshold.
+constexpr bilateralfiltering_tuning threshold_tuning(int32_t threshold) {
+  bilateralfiltering_tuning tuning{};
+  tuning.span_Y_row = tuning.span_Y_col = 3;
+  tuning.val_delta_th = threshold;
+  tuning.val_weight_coef[0] = 255;
+  tuning.val_weight_coef[1] = -1;
+  return tuning;
+}
+
+// The interior function on all of the plane.
+void filter_interior(const uint8_t* src, uint8_t* dst, int32_t height, int32_t width,
+                     int32_t span_row, int32_t span_col, const bilateralfiltering_tuning* tuning) {
+  bilateral_filter_center_neon(src, dst, height, width, 0, 0, 0, 0, span_row, span_col, tuning);
+}
+
 void run_box_filter(benchmark::State& state, const FrameSize& size) {
   const boxfiltering_tuning tuning{4};
   const std::vector<uint8_t> src = make_bench_plane(size.luma_bytes(), 1);
@@ -62,6 +78,10 @@ void register_bilateral(const std::string& name, BilateralFilter* filter,
   register_bilateral("bilateral_filter", bilateral_filter, kDefaultTuning);
   register_bilateral("bilateral_filter_opt", bilateral_filter_opt, kDefaultTuning);
   register_bilateral("bilateral_filter_wide_weights", bilateral_filter, wide_tuning());
+  // Thresholds that bilateral_filter sends to the stored weights reach the polynomial through the
+  // interior function only: 31 takes two tables, 255 is computed sample by sample.
+  register_bilateral("bilateral_filter_center_th31", filter_interior, threshold_tuning(31));
+  register_bilateral("bilateral_filter_center_th255", filter_interior, threshold_tuning(255));
   return true;
 }();
 

@@ -27,7 +27,7 @@ void clear_area(const Area& area, int32_t width, uint8_t* dst) {
 }
 
 void filter_area(const SourcePlane& plane, uint8_t* dst, const Area& area, const Spans& spans,
-                 const WeightTables& weights) {
+                 const RangeWeights& weights) {
   if (area.row_first >= area.row_end || area.col_first >= area.col_end) return;
   // From 2^30 on 2 * span + 1 wraps and is negative too: the window is empty, the value sum 0.
   constexpr int32_t kSpanLimit = 1 << 30;
@@ -60,10 +60,8 @@ void bilateral_filter_center_neon(const uint8_t* src, uint8_t* dst, int32_t heig
                                   int32_t top, int32_t bottom, int32_t left, int32_t right,
                                   int32_t spanRow, int32_t spanCol,
                                   const bilateralfiltering_tuning* tuning) {
-  WeightTables weights;
-  make_polynomial_tables(*tuning, &weights);
   filter_area({src, height, width}, dst, {top, height - bottom, left, width - right},
-              {spanRow, spanCol}, weights);
+              {spanRow, spanCol}, polynomial_weights(*tuning));
 }
 
 void bilateral_filter_opt(const uint8_t* src, uint8_t* dst, int32_t height, int32_t width,
@@ -76,8 +74,6 @@ void bilateral_filter_opt_center_neon(const uint8_t* src, uint8_t* dst, int32_t 
                                       int32_t width, int32_t top, int32_t bottom, int32_t left,
                                       int32_t right, int32_t spanRow, int32_t spanCol,
                                       const bilateralfiltering_tuning* tuning) {
-  WeightTables weights;
-  make_stored_tables(*tuning, &weights);
   filter_area({src, height, width}, dst, {top, height - bottom, left, width - right},
-              {spanRow, spanCol}, weights);
+              {spanRow, spanCol}, stored_weights(*tuning));
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 
 #include "filters/byte_lanes.h"
@@ -48,8 +49,8 @@ inline void add_to_memory(const Lanes& lanes, uint32_t* sums) {
 }
 
 // Adds what the window's listed taps give with one table to the sums of `rows` rows.
-void add_taps(const TileWorkspace& work, const WeightTable& table, uint8_t largest_difference,
-              int32_t rows, TileSums* sums) {
+void add_table(const TileWorkspace& work, const WeightTable& table, uint8_t largest_difference,
+               int32_t rows, TileSums* sums) {
   const ByteTable entries = load_table(table.entries);
   for (int32_t y = 0; y < rows; ++y) {
     const ByteLanes centre = load_lanes(work.centre.rows[y]);
@@ -64,6 +65,31 @@ void add_taps(const TileWorkspace& work, const WeightTable& table, uint8_t large
       const uint32_t scale = run.spatial_weight << table.shift;
       add_to_memory(__builtin_convertvector(run_sums.weights, WordLanes) * scale, sums->weight[y]);
       add_to_memory(run_sums.values * scale, sums->value[y]);
+    }
+  }
+}
+
+// Adds what the window's listed taps give with weights from the polynomial. The tuning is a copy,
+// so that the sums' stores cannot reach it.
+void add_polynomial(const TileWorkspace& work, bilateralfiltering_tuning tuning, int32_t rows,
+                    TileSums* sums) {
+  for (int32_t y = 0; y < rows; ++y) {
+    const uint8_t* centre = work.centre.rows[y];
+    uint32_t* __restrict weight_sums = sums->weight[y];
+    uint32_t* __restrict value_sums = sums->value[y];
+    for (int32_t r = 0; r < work.taps.run_count; ++r) {
+      const TapRun& run = work.taps.runs[r];
+      for (int32_t tap = run.first; tap < run.end; ++tap) {
+        const uint8_t* neighbour = work.window.rows[y] + work.taps.offsets[tap];
+        VOREL_VECTORIZE
+        for (int32_t x = 0; x < kLanes; ++x) {
+          const int32_t difference = std::abs(centre[x] - neighbour[x]);
+          const uint32_t weight =
+              run.spatial_weight * static_cast<uint32_t>(polynomial_weight(tuning, difference));
+          weight_sums[x] += weight;
+          value_sums[x] += weight * neighbour[x];
+        }
+      }
     }
   }
 }
@@ -85,7 +111,7 @@ void reset_sums(int32_t rows, TileSums* sums) {
 }  // namespace
 
 void filter_tile(const SourcePlane& plane, uint8_t* dst, const TileArea& area, const Spans& spans,
-                 const WeightTables& weights, TileWorkspace* work) {
+                 const RangeWeights& weights, TileWorkspace* work) {
   reset_sums(area.rows, &work->sums);
   fill_tile(plane, area.row, area.col, area.rows, area.cols, &work->centre);
 
@@ -96,8 +122,11 @@ void filter_tile(const SourcePlane& plane, uint8_t* dst, const TileArea& area, c
       if (part != work->taps.part) list_taps(part, kTilePitch, &work->taps);
       fill_tile(plane, area.row + part.row_first, area.col + part.col_first,
                 area.rows + part.rows() - 1, area.cols + part.cols() - 1, &work->window);
-      for (int32_t i = 0; i < weights.count; ++i) {
-        add_taps(*work, weights.tables[i], weights.largest_difference, area.rows, &work->sums);
+      if (weights.polynomial != nullptr) {
+        add_polynomial(*work, *weights.polynomial, area.rows, &work->sums);
+      }
+      for (int32_t i = 0; i < weights.table_count; ++i) {
+        add_table(*work, weights.tables[i], weights.largest_difference, area.rows, &work->sums);
       }
     }
   }

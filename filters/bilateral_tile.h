@@ -38,6 +38,6 @@ struct TileArea {
 
 // Filters the samples of `area` to the same place of `dst`, which has the plane's size.
 void filter_tile(const SourcePlane& plane, uint8_t* dst, const TileArea& area, const Spans& spans,
-                 const WeightTables& weights, TileWorkspace* work);
+                 const RangeWeights& weights, TileWorkspace* work);
 
 #endif  // VOREL_FILTERS_BILATERAL_TILE_H_

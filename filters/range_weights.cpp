@@ -7,10 +7,10 @@ namespace {
 constexpr int32_t kGroup = 16;
 constexpr int32_t kStoredWeights = 16;
 
-// Cuts the weights of the differences 0..largest, at most 255, into tables.
-void cut_weights(const uint32_t* weights, int32_t largest, WeightTables* out) {
+// Cuts the weights of the differences 0..largest, at most 255, into tables. False when there are
+// more than fit.
+bool cut_weights(const uint32_t* weights, int32_t largest, RangeWeights* out) {
   out->largest_difference = static_cast<uint8_t>(largest);
-  out->count = 0;
   for (int32_t first = 0; first <= largest; first += kGroup) {
     const int32_t end = std::min(first + kGroup, largest + 1);
     for (uint32_t shift = 0; shift < 32; shift += 8) {
@@ -23,23 +23,32 @@ void cut_weights(const uint32_t* weights, int32_t largest, WeightTables* out) {
         table.entries[difference - first] = entry;
         any |= entry;
       }
-      if (any != 0) out->tables[out->count++] = table;
+      if (any == 0) continue;
+      if (out->table_count == kMostTables) return false;
+      out->tables[out->table_count++] = table;
     }
   }
+  return true;
 }
 
 }  // namespace
 
-void make_polynomial_tables(const bilateralfiltering_tuning& tuning, WeightTables* out) {
+RangeWeights polynomial_weights(const bilateralfiltering_tuning& tuning) {
+  RangeWeights range;
   uint32_t weights[256];
   const int32_t largest = std::clamp(tuning.val_delta_th, 0, 255);
   for (int32_t difference = 0; difference <= largest; ++difference) {
     weights[difference] = static_cast<uint32_t>(polynomial_weight(tuning, difference));
   }
-  cut_weights(weights, largest, out);
+  if (!cut_weights(weights, largest, &range)) {
+    range.polynomial = &tuning;
+    range.table_count = 0;
+  }
+  return range;
 }
 
-void make_stored_tables(const bilateralfiltering_tuning& tuning, WeightTables* out) {
+RangeWeights stored_weights(const bilateralfiltering_tuning& tuning) {
+  RangeWeights range;
   uint32_t weights[kStoredWeights + 1];
   const int32_t largest = std::clamp(tuning.val_delta_th, 0, kStoredWeights);
   for (int32_t difference = 0; difference <= largest; ++difference) {
@@ -47,5 +56,7 @@ void make_stored_tables(const bilateralfiltering_tuning& tuning, WeightTables* o
     const bool stored = index >= 0 && index < kStoredWeights;
     weights[difference] = stored ? static_cast<uint8_t>(tuning.val_weight[index]) : 0;
   }
-  cut_weights(weights, largest, out);
+  static_assert(kMostTables >= 2);  // one byte of up to 17 weights
+  static_cast<void>(cut_weights(weights, largest, &range));
+  return range;
 }

@@ -27,18 +27,22 @@ struct WeightTable {
 
 // A weight is the sum of its four bytes, each shifted to its place, and a difference lies in one
 // group of 16. As the filter's sums wrap in 32 bits, adding up what each table gives is exact for
-// any weights. Tables of zeros are left out: ordinary tuning needs one table.
-struct WeightTables {
-  uint8_t largest_difference = 0;  // larger differences weigh the same
-  int32_t count = 0;
-  WeightTable tables[16 * 4];
+// any weights. Tables of zeros are left out: ordinary tuning needs one table. Weights that need
+// more than kMostTables have no tables; they cost less as the polynomial, for each sample anew.
+inline constexpr int32_t kMostTables = 3;
+
+struct RangeWeights {
+  const bilateralfiltering_tuning* polynomial = nullptr;  // the caller's; null: the tables hold
+  uint8_t largest_difference = 0;                         // larger differences weigh the same
+  int32_t table_count = 0;
+  WeightTable tables[kMostTables];
 };
 
-// Range weights from the polynomial, for any tuning.
-void make_polynomial_tables(const bilateralfiltering_tuning& tuning, WeightTables* out);
+// Range weights from the polynomial, for any tuning, which must outlive them.
+RangeWeights polynomial_weights(const bilateralfiltering_tuning& tuning);
 
 // Range weights from the low bytes of `val_weight`; 0 where min(difference, val_delta_th) is no
 // index of it.
-void make_stored_tables(const bilateralfiltering_tuning& tuning, WeightTables* out);
+RangeWeights stored_weights(const bilateralfiltering_tuning& tuning);
 
 #endif  // VOREL_FILTERS_RANGE_WEIGHTS_H_

@@ -142,12 +142,14 @@ TEST(BilateralFilter, EverySizeFollowsTheRule) {
 // Spans up to 15 are one part of the window, 31 x 31 taps share their weights in runs of 257;
 // beyond that the window is cut, and the plane's images repeat.
 TEST(BilateralFilter, EverySpanFollowsTheRule) {
-  bilateralfiltering_tuning all_ones{};  // every byte of every weight is 255
+  bilateralfiltering_tuning largest_byte{};
+  largest_byte.val_weight_coef[0] = 255;
+  bilateralfiltering_tuning all_ones{};
   all_ones.val_weight_coef[0] = -1;
   for (const auto& [span_row, span_col] :
        {std::pair{0, 0}, {0, 3}, {1, 0}, {2, 5}, {15, 15}, {16, 1}, {2, 16}, {33, 20}, {3, 70}}) {
     for (const auto& [height, width] : {std::pair{1, 1}, {2, 5}, {5, 2}, {9, 37}, {40, 13}}) {
-      for (const auto& tuning : {default_tuning(), all_ones}) {
+      for (const auto& tuning : {default_tuning(), largest_byte, all_ones}) {
         ASSERT_NO_FATAL_FAILURE(expect_plain_result({height, width, span_row, span_col, tuning},
                                                     bilateral_filter, plain_polynomial));
       }
@@ -184,13 +186,20 @@ TEST(BilateralFilter, AnyStoredWeightsFollowTheRule) {
   }
 }
 
+bilateralfiltering_tuning falling_weights() {
+  bilateralfiltering_tuning tuning{};
+  tuning.val_weight_coef[0] = 255;
+  tuning.val_weight_coef[1] = -1;
+  return tuning;
+}
+
 // The interior functions write their area only, read inside the plane only, and take any threshold.
 TEST(BilateralFilter, InteriorFollowsTheRule) {
   for (const auto& [filter, weight] :
        {std::pair<CentreFilter, RangeWeight>{bilateral_filter_center_neon, plain_polynomial},
         {bilateral_filter_opt_center_neon, plain_stored}}) {
-    for (const int threshold : {-5, 7, 15, 16, 40, 200, 255, 1000}) {
-      FilterCase c{21, 60, 2, 4, default_tuning()};
+    for (const int threshold : {-5, 7, 15, 16, 40, 47, 48, 200, 255, 1000}) {
+      FilterCase c{21, 60, 2, 4, threshold % 8 == 0 ? default_tuning() : falling_weights()};
       c.tuning.val_delta_th = threshold;
       const size_t bytes = static_cast<size_t>(c.height * c.width);
       GuardedBytes src(bytes);
