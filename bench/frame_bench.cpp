@@ -1,13 +1,12 @@
 // The stages of a frame on six workers, whole frames, and a frame that the noise gate lets pass.
-#include <android/log.h>
-
 #include "bench/bench_frames.h"
 #include "core/stages.h"
+#include "tests/support/log_sink.h"
 #include "vorel/wavelet/chroma_post_process.h"
 
 namespace {
 
-void drop_line(const __android_logger_data*, const char*) {}
+void drop_line(int, const char*, const char*) {}
 
 enum class Paths { kSpatial, kWavelet, kBoth };
 
@@ -16,7 +15,7 @@ class BenchHandle {
  public:
   BenchHandle(const FrameSize& size, Paths paths)
       : size_(size), frame_(make_bench_plane(size.frame_bytes(), 5)) {
-    __android_log_set_logger(drop_line);
+    set_log_sink<drop_line>();
     handle_ = vorel_init(size.width, size.height, VOREL_SCENARIO_CAPTURE, 0);
     handle_->tuning.enableNoiseIndex = 0;
     handle_->tuning.enable = paths != Paths::kWavelet ? 1 : 0;

@@ -3,9 +3,11 @@ set(VOREL_PLATFORM_SOURCES
   platform/clock.cpp
   platform/cpu.cpp
   platform/thread_attributes.cpp)
-set(VOREL_PLATFORM_HOST_SOURCES
-  platform/host/directories.cpp
-  platform/host/property.cpp)
+# Directories and properties from environment variables: the library on hosts, and test programs
+# everywhere.
+set(VOREL_PLATFORM_ENVIRONMENT_SOURCES
+  platform/environment/directories.cpp
+  platform/environment/property.cpp)
 set(VOREL_PLATFORM_ANDROID_SOURCES
   platform/android/directories.cpp)
 set(VOREL_THREADING_SOURCES
@@ -24,8 +26,7 @@ set(VOREL_TUNING_SOURCES
 # What the command checks tuning files with; no part of the library.
 set(VOREL_TUNING_CHECK_SOURCES
   tuning/check.cpp
-  tuning/findings.cpp
-  tuning/keys.cpp)
+  tuning/findings.cpp)
 set(VOREL_CORE_SOURCES
   core/box_filter_stage.cpp
   core/deinterleave_stage.cpp

@@ -14,10 +14,12 @@ function(vorel_object_library name)
   target_link_libraries(${name} PUBLIC AndroidLog::AndroidLog Threads::Threads)
 endfunction()
 
+vorel_object_library(vorel_platform ${VOREL_PLATFORM_SOURCES})
+vorel_object_library(vorel_environment ${VOREL_PLATFORM_ENVIRONMENT_SOURCES})
 if(ANDROID)
-  vorel_object_library(vorel_platform ${VOREL_PLATFORM_SOURCES} ${VOREL_PLATFORM_ANDROID_SOURCES})
+  vorel_object_library(vorel_system ${VOREL_PLATFORM_ANDROID_SOURCES})
 else()
-  vorel_object_library(vorel_platform ${VOREL_PLATFORM_SOURCES} ${VOREL_PLATFORM_HOST_SOURCES})
+  add_library(vorel_system ALIAS vorel_environment)
 endif()
 vorel_object_library(vorel_threading ${VOREL_THREADING_SOURCES})
 vorel_object_library(vorel_tuning ${VOREL_TUNING_SOURCES})
@@ -39,9 +41,9 @@ set_source_files_properties(${VOREL_CORE_KERNEL_SOURCES}
 set(VOREL_OBJECTS vorel_platform vorel_threading vorel_tuning vorel_filters vorel_convert
   vorel_wavelet vorel_core)
 
-# Tests and benchmarks see the hidden names too.
+# Tests and benchmarks see the hidden names too, and name directories and properties themselves.
 add_library(vorel_static STATIC)
-target_link_libraries(vorel_static PRIVATE ${VOREL_OBJECTS}
+target_link_libraries(vorel_static PRIVATE ${VOREL_OBJECTS} vorel_environment
   PUBLIC AndroidLog::AndroidLog Threads::Threads PkgConfig::JANSSON)
 target_include_directories(vorel_static PUBLIC ${CMAKE_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR})
 
@@ -49,7 +51,7 @@ target_include_directories(vorel_static PUBLIC ${CMAKE_SOURCE_DIR}/include ${CMA
 set(VOREL_VERSION_SCRIPT ${CMAKE_SOURCE_DIR}/abi/libvorel.map)
 add_library(vorel SHARED)
 add_library(vorel::vorel ALIAS vorel)
-target_link_libraries(vorel PRIVATE ${VOREL_OBJECTS} AndroidLog::AndroidLog Threads::Threads
+target_link_libraries(vorel PRIVATE ${VOREL_OBJECTS} vorel_system AndroidLog::AndroidLog Threads::Threads
   PkgConfig::JANSSON)
 target_include_directories(vorel PUBLIC
   $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/include>
@@ -60,7 +62,9 @@ if(ANDROID)
   # Android's loader knows no versions in file names.
   find_library(CUTILS_LIBRARY cutils REQUIRED)
   find_path(CUTILS_INCLUDE_DIR cutils/properties.h REQUIRED)
-  target_include_directories(vorel_core SYSTEM PRIVATE ${CUTILS_INCLUDE_DIR})
+  foreach(target vorel_core vorel_environment)
+    target_include_directories(${target} SYSTEM PRIVATE ${CUTILS_INCLUDE_DIR})
+  endforeach()
   target_link_libraries(vorel PRIVATE ${CUTILS_LIBRARY})
 else()
   # An installed library finds liblog where Debian keeps it.

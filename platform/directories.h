@@ -2,11 +2,12 @@
 #ifndef VOREL_PLATFORM_DIRECTORIES_H_
 #define VOREL_PLATFORM_DIRECTORIES_H_
 
-// Holds the tuning files. "/vendor/firmware"; on hosts VOREL_FIRMWARE_DIR names another.
+// Holds the tuning files. "/vendor/firmware"; on hosts and in tests VOREL_FIRMWARE_DIR names
+// another.
 const char* firmware_directory();
 
-// Holds one dump directory per handle. "/data/vendor/camera/vorel"; on hosts VOREL_DUMP_DIR names
-// another.
+// Holds one dump directory per handle. "/data/vendor/camera/vorel"; on hosts and in tests
+// VOREL_DUMP_DIR names another.
 const char* dump_directory();
 
 #endif  // VOREL_PLATFORM_DIRECTORIES_H_

@@ -7,7 +7,7 @@
 #     includes  direction of the includes; public headers compile alone
 #     exports   exported names and how the library is linked
 #     abi       binary interface against the recorded one
-#     android   Android.bp against the CMake lists; the library as Android compiles it
+#     android   Android.bp against the CMake lists; library and tests as Android compiles them
 #     install   an installed copy works for programs in C and C++
 #     debug     tests without optimisation, locals filled with a pattern
 #     asan      tests with the address and undefined-behaviour sanitizers

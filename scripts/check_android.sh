@@ -1,18 +1,18 @@
 #!/usr/bin/env bash
 # What can be said about the Android build without Android's tools: Android.bp is well formed and
-# lists what CMake lists, the sources keep to what Android 11 has, and the library compiles in its
-# Android form with the compiler flags of the platform build. The form is linked against this
-# machine's Arm libraries, with a stand-in for property_get; it is looked at, not run.
+# lists what CMake lists, the sources keep to what Android 11 has, and the library and the programs
+# around it compile in their Android form with the compiler flags of the platform build. The forms
+# are linked against this machine's Arm libraries, with stand-ins for what only Android has; they are
+# looked at, not run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/check_android.py
 
 build=build/android-form
+stand_in=$PWD/scripts/android-stand-in
 flags='-D__ANDROID__ -D__ANDROID_API__=30 -Werror=date-time -ftrivial-auto-var-init=pattern'
-flags+=" -isystem /usr/include/android -isystem $PWD/$build/stand-in"
-mkdir -p "$build/stand-in/sys"
-# libcutils' header takes one number from bionic.
-echo '#define PROP_VALUE_MAX 92' >"$build/stand-in/sys/system_properties.h"
+flags+=" -isystem $stand_in -isystem /usr/include/android"
+mkdir -p "$build"
 echo 'int property_get(const char *k, char *v, const char *d) { (void)k; (void)v; (void)d; return 0; }' |
   clang-19 --target=aarch64-linux-gnu -fuse-ld=lld -shared -nostdlib -x c - -o "$build/libcutils.so"
 if ! {
@@ -32,3 +32,4 @@ if strings "$build/libvorel.so" | grep -E 'VOREL_(FIRMWARE|DUMP)_DIR'; then
   echo "android: the Android form can be told other directories" >&2
   exit 1
 fi
+scripts/check_android_programs.py "$stand_in" "$build/programs"

@@ -27,6 +27,7 @@ ALLOWED = {
     "tools": [PUBLIC, "tuning/keys.h", "tuning/check.h", "tuning/tuning.h"],
     "examples": [PUBLIC],
     "abi": [PUBLIC],
+    "scripts/android-stand-in": [],
     "tests": EVERYTHING,
     "bench": EVERYTHING,
     "fuzz": EVERYTHING,

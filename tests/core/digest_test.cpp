@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "tests/core/handle_fixture.h"
+#include "tests/support/source_path.h"
 
 namespace {
 
@@ -58,7 +59,7 @@ struct DigestCase {
 
 std::vector<DigestCase> read_cases() {
   std::vector<DigestCase> cases;
-  std::ifstream file(VOREL_TEST_DATA "/digests/frames.txt");
+  std::ifstream file(source_path("tests/core/data/digests/frames.txt"));
   std::string line;
   while (std::getline(file, line)) {
     if (line.empty() || line[0] == '#') continue;

@@ -5,14 +5,16 @@
 #include <algorithm>
 #include <mutex>
 
+#include "tests/support/log_sink.h"
+
 namespace {
 
 std::mutex g_mutex;
 std::vector<LogLine> g_lines;
 
-void collect(const __android_logger_data* data, const char* message) {
+void collect(int priority, const char* tag, const char* text) {
   const std::lock_guard<std::mutex> lock(g_mutex);
-  g_lines.push_back({data->priority, data->tag != nullptr ? data->tag : "", message});
+  g_lines.push_back({priority, tag != nullptr ? tag : "", text});
 }
 
 template <typename Predicate>
@@ -26,7 +28,7 @@ int count_lines(Predicate predicate) {
 LogCapture::LogCapture() {
   clear();
   __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
-  __android_log_set_logger(collect);
+  set_log_sink<collect>();
 }
 
 LogCapture::~LogCapture() { __android_log_set_logger(__android_log_stderr_logger); }

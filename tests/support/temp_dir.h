@@ -2,6 +2,8 @@
 #ifndef VOREL_TESTS_SUPPORT_TEMP_DIR_H_
 #define VOREL_TESTS_SUPPORT_TEMP_DIR_H_
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -10,7 +12,7 @@
 class TempDir {
  public:
   TempDir() {
-    std::string name = (std::filesystem::temp_directory_path() / "vorel_test_XXXXXX").string();
+    std::string name = testing::TempDir() + "vorel_test_XXXXXX";
     if (mkdtemp(name.data()) == nullptr) std::abort();
     path_ = name;
   }

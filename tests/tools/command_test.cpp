@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "tests/support/source_path.h"
 #include "tests/tools/run_command.h"
 #include "tests/tools/test_pictures.h"
 #include "tools/colour.h"
@@ -262,7 +263,7 @@ TEST_F(Command, CompareWalksThroughVideos) {
 }
 
 TEST_F(Command, CheckReportsFindingsPerFile) {
-  const std::string good = VOREL_SOURCE_DIR "/tuning/samples/vorel_NOTHING.json";
+  const std::string good = source_path("tuning/samples/vorel_NOTHING.json");
   const CommandResult clean = run_vorel({"check", good});
   EXPECT_EQ(clean.status, 0);
   EXPECT_EQ(clean.out, good + ": ok\n");

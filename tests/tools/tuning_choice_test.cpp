@@ -6,6 +6,7 @@
 
 #include <filesystem>
 
+#include "tests/support/source_path.h"
 #include "tests/tools/run_command.h"
 #include "tools/failure.h"
 #include "tools/library_log.h"
@@ -42,7 +43,7 @@ TEST_F(TuningChoiceTest, WithoutAnythingTheSampleIsUsedForEverySensor) {
   EXPECT_THAT(choice.description(), HasSubstr("sample"));
   EXPECT_THAT(tool::check_tuning_text(tool::kSampleTuning), IsEmpty());
   EXPECT_EQ(std::string(tool::kSampleTuning),
-            read_text(VOREL_SOURCE_DIR "/tuning/samples/vorel_NOTHING.json"));
+            read_text(source_path("tuning/samples/vorel_NOTHING.json")));
 }
 
 TEST_F(TuningChoiceTest, DirectoryComesFromOptionOrEnvironment) {

@@ -13,6 +13,7 @@
 
 #include "tests/support/faults.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/source_path.h"
 #include "tests/support/temp_dir.h"
 #include "tests/tuning/tuning_fields.h"
 #include "tuning/tuning.h"
@@ -137,7 +138,7 @@ TEST_F(LoadTest, RefusesDeepNesting) {
 }
 
 TEST_F(LoadTest, SurvivesEveryTruncation) {
-  std::ifstream sample(VOREL_SOURCE_DIR "/tuning/samples/vorel_NOTHING.json");
+  std::ifstream sample(source_path("tuning/samples/vorel_NOTHING.json"));
   std::ostringstream whole;
   whole << sample.rdbuf();
   std::string text = whole.str();

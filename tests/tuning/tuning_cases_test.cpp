@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "tests/support/log_capture.h"
+#include "tests/support/source_path.h"
 #include "tests/support/temp_dir.h"
 #include "tests/tuning/tuning_fields.h"
 #include "tuning/check.h"
@@ -83,7 +84,8 @@ std::string outcome(const std::string& input) {
 
 std::vector<fs::path> folders() {
   std::vector<fs::path> found;
-  for (const auto& entry : fs::directory_iterator(VOREL_TEST_DATA)) found.push_back(entry.path());
+  for (const auto& entry : fs::directory_iterator(source_path("tests/tuning/data")))
+    found.push_back(entry.path());
   std::sort(found.begin(), found.end());
   return found;
 }
@@ -108,7 +110,7 @@ INSTANTIATE_TEST_SUITE_P(Data, TuningCase, testing::ValuesIn(folders()),
 
 TEST(TuningSamples, LoadWithoutAnyFinding) {
   int samples = 0;
-  for (const auto& entry : fs::directory_iterator(VOREL_SOURCE_DIR "/tuning/samples")) {
+  for (const auto& entry : fs::directory_iterator(source_path("tuning/samples"))) {
     SCOPED_TRACE(entry.path());
     if (entry.path().extension() != ".json") continue;
     ++samples;

@@ -1,0 +1,1 @@
+// GoogleTest includes it on Android; the level comes with the compiler's command line.

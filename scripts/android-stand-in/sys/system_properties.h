@@ -1,0 +1,7 @@
+// libcutils' header takes one number from bionic.
+#ifndef VOREL_ANDROID_STAND_IN_SYSTEM_PROPERTIES_H_
+#define VOREL_ANDROID_STAND_IN_SYSTEM_PROPERTIES_H_
+
+#define PROP_VALUE_MAX 92
+
+#endif  // VOREL_ANDROID_STAND_IN_SYSTEM_PROPERTIES_H_
