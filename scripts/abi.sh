@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # The binary interface: what callers compiled against an older libvorel.so rely on. abi/libvorel.abi
 # holds sizes, members and signatures of everything exported, abi/records.abi the records that are
-# passed untyped (x86-64; 64-bit Arm Linux has the same).
-#   scripts/abi.sh check     the library as built now still has it
+# passed untyped. They are x86-64's; 64-bit Arm must have the same.
+#   scripts/abi.sh check     the library as built now still has it, on both
 #   scripts/abi.sh update    writes it anew, after a deliberate change
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -13,13 +13,18 @@ dump() {
     --exported-interfaces-only --drop-private-types --headers-dir include --out-file "$2" "$1"
 }
 
+# build PRESET
+build() {
+  if ! { cmake --preset "$1" && cmake --build --preset "$1" --target vorel vorel_records; } \
+    >"build/$1.log" 2>&1; then
+    tail -n 60 "build/$1.log" >&2
+    exit 1
+  fi
+}
+
 [ $# -eq 1 ] || { sed -n '5,6s/^# \{0,1\}//p' "$0"; exit 1; }
 mkdir -p build out
-if ! { cmake --preset abi && cmake --build --preset abi --target vorel vorel_records; } \
-  >build/abi.log 2>&1; then
-  tail -n 60 build/abi.log >&2
-  exit 1
-fi
+build abi
 
 case $1 in
   update)
@@ -28,19 +33,22 @@ case $1 in
     echo "abi: written; read the difference before you commit it"
     ;;
   check)
+    build abi-aarch64
     faults=0
-    for name in libvorel records; do
-      library=build/abi/libvorel.so
-      if [ $name = records ]; then library=build/abi/libvorel_records.so; fi
-      dump $library out/$name.abi
-      abidiff --no-show-locs abi/$name.abi out/$name.abi || faults=1
+    for preset in abi abi-aarch64; do
+      for name in libvorel records; do
+        library=build/$preset/libvorel.so
+        if [ $name = records ]; then library=build/$preset/libvorel_records.so; fi
+        dump "$library" "out/$preset-$name.abi"
+        abidiff --no-show-locs --no-architecture abi/$name.abi "out/$preset-$name.abi" || faults=1
+      done
     done
     if [ $faults -ne 0 ]; then
       echo "abi: differs from abi/*.abi. If that is meant: scripts/abi.sh update, and a line in" \
         "CHANGELOG.md; an incompatible change is a new major version" >&2
       exit 1
     fi
-    echo "abi: as recorded"
+    echo "abi: as recorded, on x86-64 and on 64-bit Arm"
     ;;
   *) echo "abi: unknown action $1" >&2; exit 1 ;;
 esac
