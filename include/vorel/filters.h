@@ -48,7 +48,8 @@ VOREL_EXPORT void bilateral_filter(const uint8_t* src, uint8_t* dst, int32_t hei
                                    const struct bilateralfiltering_tuning* tuning);
 
 /// Interior of `bilateral_filter`: rows [top, height - bottom) and columns [left, width - right).
-/// The window of every such sample must lie inside the plane.
+/// The window of every such sample must lie inside the plane. Range weights come from the
+/// polynomial whatever val_delta_th is.
 VOREL_EXPORT void bilateral_filter_center_neon(const uint8_t* src, uint8_t* dst, int32_t height,
                                                int32_t width, int32_t top, int32_t bottom,
                                                int32_t left, int32_t right, int32_t spanRow,
