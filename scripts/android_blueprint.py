@@ -23,7 +23,7 @@ def lists(text):
 
 
 class Module:
-    """A module's kind, its text, and the words of its list properties, its defaults' included."""
+    """A module's kind and text. `own_words` gives a list property without the defaults' share."""
 
     def __init__(self, kind, body):
         self.kind = kind
@@ -41,6 +41,8 @@ class Module:
 
 
 class Blueprint:
+    """Lists by name, modules by name; `words` and `sources` count what defaults bring."""
+
     def __init__(self, text):
         self.lists = lists(text)
         self.modules = {name: Module(kind, body) for kind, name, body in MODULE.findall(text)}
