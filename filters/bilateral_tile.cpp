@@ -75,12 +75,13 @@ void add_polynomial(const TileWorkspace& work, bilateralfiltering_tuning tuning,
                     TileSums* sums) {
   for (int32_t y = 0; y < rows; ++y) {
     const uint8_t* centre = work.centre.rows[y];
+    const uint8_t* window = work.window.rows[y];
     uint32_t* __restrict weight_sums = sums->weight[y];
     uint32_t* __restrict value_sums = sums->value[y];
     for (int32_t r = 0; r < work.taps.run_count; ++r) {
       const TapRun& run = work.taps.runs[r];
       for (int32_t tap = run.first; tap < run.end; ++tap) {
-        const uint8_t* neighbour = work.window.rows[y] + work.taps.offsets[tap];
+        const uint8_t* neighbour = window + work.taps.offsets[tap];
         VOREL_VECTORIZE
         for (int32_t x = 0; x < kLanes; ++x) {
           const int32_t difference = std::abs(centre[x] - neighbour[x]);
