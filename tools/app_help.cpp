@@ -69,49 +69,4 @@ const char kMainFooter[] =
     "Exit status: 0 done, 1 bad usage, 2 bad input, 3 processing or writing failed.\n"
     "'vorel VERB --help' tells more about a verb.";
 
-const char kDenoiseFooter[] =
-    "The output's kind is what its name says; it appears only when it is complete.\n"
-    "Frames below the tuning's enableNoiseIndex are left as they are, as on the phone.\n"
-    "\n"
-    "Examples:\n"
-    "  vorel denoise noisy.png -o clean.png --noise-index 3200\n"
-    "  vorel denoise dump_4000_3000.nv21 -o out.png --tuning vorel_WT1200.json --sensor 120\n"
-    "  vorel denoise clip.y4m -o clean.y4m --noise-index 800 --no-spatial\n"
-    "  vorel denoise noisy.png -o clean.png --compare side.png --truth clean_original.png";
-
-const char kNoiseFooter[] =
-    "The noise is made on the sensor's samples, before demosaicing, so it has the coarse, "
-    "coloured\n"
-    "grain of real pictures. Equal seeds give equal results on every machine.\n"
-    "\n"
-    "Example:\n"
-    "  vorel noise meadow.jpg -o noisy.png --gain 16 --seed 1";
-
-const char kCompareFooter[] =
-    "PSNR per plane (higher is better) and mean CIEDE2000 colour difference (lower is better).\n"
-    "With --truth every picture is held against it, else against the first picture.\n"
-    "The side-by-side picture shows the pictures in the order given, then the truth.\n"
-    "\n"
-    "Examples:\n"
-    "  vorel compare noisy.png clean.png --truth meadow.jpg\n"
-    "  vorel compare a.png b.png c.png --truth t.png -o side.png --crop 1200,600,200,200 --zoom 4";
-
-const char kCheckFooter[] =
-    "The library takes what it can from a tuning file and is quiet about the rest. This is what "
-    "it\n"
-    "does not tell: keys that it does not know, numbers of the wrong kind, short tables, levels "
-    "out\n"
-    "of order. Exit status 2 when a file has errors.\n"
-    "\n"
-    "Example:\n"
-    "  vorel check tuning/samples/*.json";
-
-const char kDumpFooter[] =
-    "Dumps come from 'vorel denoise --dump DIR', or from a phone with the property\n"
-    "persist.vendor.libvorel.debug set to 3 (input), 4 (output too) or 5 (every plane).\n"
-    "Nothing in the folder is changed.\n"
-    "\n"
-    "Example:\n"
-    "  vorel dump 0_20260101_120000 --png -o pictures";
-
 }  // namespace tool

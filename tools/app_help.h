@@ -17,11 +17,6 @@ class HelpFormatter : public CLI::Formatter {
 
 extern const char kMainDescription[];
 extern const char kMainFooter[];
-extern const char kDenoiseFooter[];
-extern const char kNoiseFooter[];
-extern const char kCompareFooter[];
-extern const char kCheckFooter[];
-extern const char kDumpFooter[];
 
 }  // namespace tool
 

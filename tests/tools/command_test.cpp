@@ -6,8 +6,8 @@
 #include "tests/support/source_path.h"
 #include "tests/tools/run_command.h"
 #include "tests/tools/test_pictures.h"
-#include "tools/colour.h"
-#include "tools/picture_io.h"
+#include "tools/pictures/colour.h"
+#include "tools/pictures/picture_io.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "tests/tools/test_pictures.h"
 
-#include "tools/picture_io.h"
+#include "tools/pictures/picture_io.h"
 
 tool::RgbImage gradient_picture(int width, int height) {
   tool::RgbImage image(width, height);

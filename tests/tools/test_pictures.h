@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tools/picture.h"
+#include "tools/pictures/picture.h"
 
 // Smooth colour gradients with a few hard edges.
 tool::RgbImage gradient_picture(int width, int height);

@@ -1,0 +1,286 @@
+#include "tools/pictures/picture_io.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <filesystem>
+
+#include "tests/tools/run_command.h"
+#include "tests/tools/test_pictures.h"
+#include "tools/files/failure.h"
+#include "tools/files/file_bytes.h"
+#include "tools/pictures/colour.h"
+#include "tools/pictures/png_file.h"
+
+namespace {
+
+using testing::HasSubstr;
+using tool::Nv21Frame;
+using tool::Picture;
+using tool::ReadOptions;
+using tool::RgbImage;
+using tool::Size;
+
+// Status and text of the failure that `action` ends with; kDone and "" when it does not fail.
+template <typename Action>
+std::pair<int, std::string> failure_of(Action action) {
+  try {
+    action();
+  } catch (const tool::Failure& failure) {
+    return {failure.status(), failure.what()};
+  }
+  return {tool::kDone, ""};
+}
+
+// Reading must fail as bad input, naming the file and saying `reason`.
+void expect_unreadable(const std::string& path, const std::string& reason,
+                       const ReadOptions& options = {}) {
+  const auto [status, text] =
+      failure_of([&] { static_cast<void>(tool::read_picture(path, options)); });
+  EXPECT_EQ(status, tool::kBadInput) << path << ": " << text;
+  EXPECT_THAT(text, HasSubstr(path));
+  EXPECT_THAT(text, HasSubstr(reason));
+}
+
+const RgbImage& rgb(const Picture& picture) { return std::get<RgbImage>(picture.pixels); }
+const Nv21Frame& frame(const Picture& picture) { return std::get<Nv21Frame>(picture.pixels); }
+
+double mean_difference(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b) {
+  double sum = 0;
+  for (size_t i = 0; i < a.size(); ++i) sum += std::abs(a[i] - b[i]);
+  return sum / static_cast<double>(a.size());
+}
+
+TEST(PictureIo, PngKeepsEveryBit) {
+  const TestDirectory directory;
+  for (const Size size : {Size{1, 1}, Size{17, 5}, Size{64, 48}}) {
+    const RgbImage image = gradient_picture(size.width, size.height);
+    save(directory / "a.png", image);
+    EXPECT_EQ(rgb(tool::read_picture(directory / "a.png", {})).pixels, image.pixels);
+  }
+}
+
+TEST(PictureIo, GreyPngBecomesRgb) {
+  const TestDirectory directory;
+  const std::vector<uint8_t> bytes = tool::encode_grey_png({0, 100, 200, 255}, {2, 2});
+  write_text(directory / "grey.png", {bytes.begin(), bytes.end()});
+  const Picture picture = tool::read_picture(directory / "grey.png", {});
+  EXPECT_THAT(rgb(picture).pixels,
+              testing::ElementsAre(0, 0, 0, 100, 100, 100, 200, 200, 200, 255, 255, 255));
+}
+
+TEST(PictureIo, RawKeepsEveryBitAndTakesItsSizeFromNameOrOption) {
+  const TestDirectory directory;
+  for (const Size size : {Size{16, 8}, Size{17, 9}}) {
+    const Nv21Frame original = patterned_frame(size.width, size.height);
+    const std::string spelled = directory / ("f_" + std::to_string(size.width) + "x" +
+                                             std::to_string(size.height) + ".nv21");
+    save(spelled, original);
+    EXPECT_EQ(frame(tool::read_picture(spelled, {})).data, original.data);
+    save(directory / "plain.yuv", original);
+    EXPECT_EQ(frame(tool::read_picture(directory / "plain.yuv", {size, {}, {}})).data,
+              original.data);
+  }
+}
+
+TEST(PictureIo, RawSizeIsTheOneThatTheLengthConfirms) {
+  const TestDirectory directory;
+  save(directory / "9_12_16_8.raw", patterned_frame(16, 8));
+  EXPECT_EQ(tool::read_picture(directory / "9_12_16_8.raw", {}).size(), (Size{16, 8}));
+}
+
+TEST(PictureIo, DumpsOfOddHeightAreReadWithoutTheirHalfChromaRow) {
+  const TestDirectory directory;
+  // 16 x 5: 80 bytes of luma, 2 chroma rows, and half a row.
+  std::string bytes(16 * 5 + 16 * 2, 'a');
+  for (int i = 0; i < 16; ++i) bytes[static_cast<size_t>(96 + i)] = static_cast<char>(i);
+  write_text(directory / "input_16_5_0_640.nv21", bytes + "ignored!");
+  const Picture picture = tool::read_picture(directory / "input_16_5_0_640.nv21", {});
+  ASSERT_EQ(picture.size(), (Size{16, 5}));
+  const uint8_t* vu = frame(picture).vu();
+  for (int i = 0; i < 16; ++i) {
+    EXPECT_EQ(vu[16 + i], i);
+    EXPECT_EQ(vu[32 + i], i) << "the last row stands in for the missing one";
+  }
+}
+
+TEST(PictureIo, JpegIsWrittenAndReadWithoutColourConversion) {
+  const TestDirectory directory;
+  for (const Size size : {Size{64, 48}, Size{37, 21}}) {
+    const Nv21Frame original = tool::rgb_to_nv21(gradient_picture(size.width, size.height), {});
+    save(directory / "a.jpg", original);
+    const Nv21Frame once = frame(tool::read_picture(directory / "a.jpg", {}));
+    ASSERT_EQ(once.data.size(), original.data.size());
+    EXPECT_LT(mean_difference(once.data, original.data), 1.2);
+    // What a conversion would smear does not move any more.
+    save(directory / "b.jpg", once);
+    const Nv21Frame twice = frame(tool::read_picture(directory / "b.jpg", {}));
+    EXPECT_LT(mean_difference(twice.data, once.data), 0.25);
+  }
+}
+
+TEST(PictureIo, ContentsTellPngFromJpeg) {
+  const TestDirectory directory;
+  const RgbImage image = gradient_picture(16, 16);
+  save(directory / "a.png", image);
+  write_text(directory / "b.jpg", read_text(directory / "a.png"));
+  EXPECT_EQ(rgb(tool::read_picture(directory / "b.jpg", {})).pixels, image.pixels);
+}
+
+TEST(PictureIo, ProfilesAndExifTravelBetweenKinds) {
+  const TestDirectory directory;
+  Picture picture{tool::rgb_to_nv21(gradient_picture(32, 32), {}), {}};
+  picture.metadata.exif = {'M', 'M', 0, 42, 0, 0, 0, 8, 0, 0, 0, 0, 0, 0};
+  for (const char* name : {"a.jpg", "b.png", "c.jpg"}) {
+    const auto output = tool::PictureOutput::open(directory / name);
+    output->write(picture);
+    output->finish();
+    const std::vector<uint8_t> before = picture.metadata.exif;
+    picture = tool::read_picture(directory / name, {});
+    EXPECT_EQ(picture.metadata.exif, before) << name;
+  }
+}
+
+TEST(PictureIo, ProfilesThatPngRefusesAreLeftOut) {
+  const TestDirectory directory;
+  Picture picture{gradient_picture(8, 8), {}};
+  picture.metadata.icc = {'n', 'o', ' ', 'p', 'r', 'o', 'f', 'i', 'l', 'e'};
+  for (const char* name : {"a.jpg", "b.png"}) {
+    const auto output = tool::PictureOutput::open(directory / name);
+    output->write(picture);
+    output->finish();
+  }
+  EXPECT_EQ(tool::read_picture(directory / "a.jpg", {}).metadata.icc, picture.metadata.icc);
+  EXPECT_EQ(tool::read_picture(directory / "b.png", {}).metadata.icc.size(), 0u);
+}
+
+TEST(PictureIo, Y4mKeepsEveryFrameAndItsHeader) {
+  const TestDirectory directory;
+  const Nv21Frame first = patterned_frame(17, 9);
+  Nv21Frame second = first;
+  for (uint8_t& byte : second.data) byte ^= 0x55;
+  const auto output = tool::PictureOutput::open(directory / "v.y4m");
+  Picture picture{first, {}};
+  picture.metadata.y4m_tags = "F24:1 Ip A1:1 C420mpeg2 XCOLORRANGE=LIMITED";
+  output->write(picture);
+  picture.pixels = second;
+  output->write(picture);
+  output->finish();
+  EXPECT_THAT(read_text(directory / "v.y4m"),
+              testing::StartsWith("YUV4MPEG2 W17 H9 F24:1 Ip A1:1 C420mpeg2 "
+                                  "XCOLORRANGE=LIMITED\nFRAME\n"));
+
+  const auto input = tool::PictureInput::open(directory / "v.y4m", {});
+  EXPECT_EQ(input->expected_frames(), 2);
+  EXPECT_EQ(input->colour().range, tool::Range::kLimited);
+  EXPECT_EQ(frame(*input->next()).data, first.data);
+  EXPECT_EQ(frame(*input->next()).data, second.data);
+  EXPECT_EQ(input->next(), std::nullopt);
+}
+
+TEST(PictureIo, Y4mPlanesComeOutInTheirOrder) {
+  const TestDirectory directory;
+  write_text(directory / "v.y4m", "YUV4MPEG2 W2 H2 F1:1\nFRAME Xtag\nYYYYUV");
+  const Picture picture = tool::read_picture(directory / "v.y4m", {});
+  EXPECT_THAT(frame(picture).data, testing::ElementsAre('Y', 'Y', 'Y', 'Y', 'V', 'U'));
+  EXPECT_EQ(frame(picture).colour.range, tool::Range::kFull) << "the default";
+}
+
+TEST(PictureIo, UnreadableFilesSayWhy) {
+  const TestDirectory directory;
+  expect_unreadable(directory / "none.png", "No such file");
+  expect_unreadable(directory / "none.y4m", "No such file");
+  expect_unreadable(directory / "none_16x16.nv21", "No such file");
+  expect_unreadable(directory / "x.tif", "unknown extension");
+  expect_unreadable("/.png", "No such file");
+  write_text(directory / "empty.png", "");
+  expect_unreadable(directory / "empty.png", "is empty");
+  write_text(directory / "text.jpg", "no picture");
+  expect_unreadable(directory / "text.jpg", "neither a PNG nor a JPEG");
+}
+
+TEST(PictureIo, CutFilesAreRefusedWhereverTheyAreCut) {
+  const TestDirectory directory;
+  save(directory / "a.png", gradient_picture(64, 64));
+  save(directory / "a.jpg", tool::rgb_to_nv21(gradient_picture(64, 64), {}));
+  save(directory / "a.y4m", patterned_frame(64, 64));
+  for (const char* name : {"a.png", "a.jpg", "a.y4m"}) {
+    const std::string whole = read_text(directory / name);
+    const std::string cut = directory / (std::string("cut_") + name);
+    for (size_t length = 20; length + 2 < whole.size(); length += 1 + whole.size() / 40) {
+      write_text(cut, whole.substr(0, length));
+      const int status = failure_of([&] { static_cast<void>(tool::read_picture(cut, {})); }).first;
+      EXPECT_EQ(status, tool::kBadInput) << cut << " at " << length << " of " << whole.size();
+    }
+  }
+}
+
+TEST(PictureIo, DamagedPngIsRefused) {
+  const TestDirectory directory;
+  save(directory / "a.png", gradient_picture(64, 64));
+  std::string bytes = read_text(directory / "a.png");
+  bytes[bytes.size() / 2] ^= 1;
+  write_text(directory / "a.png", bytes);
+  expect_unreadable(directory / "a.png", "no readable PNG");
+}
+
+TEST(PictureIo, HugeSizesAreRefusedBeforeMemoryIsAskedFor) {
+  const TestDirectory directory;
+  save(directory / "a.png", gradient_picture(1, 1));
+  std::string png = read_text(directory / "a.png");
+  png.replace(16, 8, std::string("\0\1\0\0\0\1\0\0", 8));  // 65536 x 65536
+  write_text(directory / "a.png", png);
+  expect_unreadable(directory / "a.png", "no readable PNG");
+  write_text(directory / "a.y4m", "YUV4MPEG2 W60000 H60000 F1:1\nFRAME\n");
+  expect_unreadable(directory / "a.y4m", "no usable frame size");
+  write_text(directory / "b.y4m", "YUV4MPEG2 W-16 H16 F1:1\nFRAME\n");
+  expect_unreadable(directory / "b.y4m", "no usable frame size");
+}
+
+TEST(PictureIo, RawFilesMustFitTheirSize) {
+  const TestDirectory directory;
+  write_text(directory / "a.raw", std::string(384, 'a'));
+  expect_unreadable(directory / "a.raw", "--size");
+  expect_unreadable(directory / "a.raw", "16 x 18 has 432", {Size{16, 18}, {}, {}});
+  expect_unreadable(directory / "a.raw", "2 frames", {Size{16, 8}, {}, {}});
+  write_text(directory / "a_16x18.raw", std::string(431, 'a'));
+  expect_unreadable(directory / "a_16x18.raw", "holds 431 bytes");
+}
+
+TEST(PictureIo, OtherVideoIsRefused) {
+  const TestDirectory directory;
+  for (const char* chroma : {"C420p10", "C422", "Cmono"}) {
+    write_text(directory / "a.y4m", std::string("YUV4MPEG2 W16 H16 ") + chroma + "\nFRAME\n");
+    expect_unreadable(directory / "a.y4m", "8-bit 4:2:0");
+  }
+  write_text(directory / "a.y4m", "RIFF W16 H16\n");
+  expect_unreadable(directory / "a.y4m", "no y4m file");
+  write_text(directory / "a.y4m", "YUV4MPEG2 W2 H2\nframe\nYYYYUV");
+  expect_unreadable(directory / "a.y4m", "frame 1 does not start");
+  write_text(directory / "a.y4m", "YUV4MPEG2 W2 H2\n");
+  expect_unreadable(directory / "a.y4m", "no frame");
+}
+
+TEST(PictureIo, StillFilesTakeOnePicture) {
+  const TestDirectory directory;
+  const auto output = tool::PictureOutput::open(directory / "a.png");
+  output->write({gradient_picture(8, 8), {}});
+  EXPECT_EQ(failure_of([&] { output->write({gradient_picture(8, 8), {}}); }).first,
+            tool::kBadUsage);
+}
+
+TEST(PictureIo, OutputsMayNotBeInputsOrEachOther) {
+  const TestDirectory directory;
+  write_text(directory / "in.png", "x");
+  std::filesystem::create_symlink(directory / "in.png", directory / "link.png");
+  const auto status = [&](const std::vector<std::string>& outputs, bool force) {
+    return failure_of([&] { tool::check_outputs(outputs, {directory / "in.png"}, force); }).first;
+  };
+  EXPECT_EQ(status({directory / "in.png"}, false), tool::kBadUsage);
+  EXPECT_EQ(status({directory / "link.png"}, false), tool::kBadUsage);
+  EXPECT_EQ(status({directory / "in.png"}, true), tool::kDone);
+  EXPECT_EQ(status({directory / "out.png"}, false), tool::kDone);
+  EXPECT_EQ(status({directory / "out.png", directory / "out.png"}, true), tool::kBadUsage);
+}
+
+}  // namespace

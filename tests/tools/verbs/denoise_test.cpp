@@ -1,0 +1,271 @@
+#include "tools/verbs/denoise.h"
+
+#include <android/log.h>
+#include <gmock/gmock.h>
+#include <stdlib.h>
+
+#include "tests/tools/run_command.h"
+#include "tests/tools/test_pictures.h"
+#include "tools/files/failure.h"
+#include "tools/pictures/colour.h"
+#include "tools/verbs/denoise_summary.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using tool::DenoiseOptions;
+using tool::LibraryCalls;
+using tool::Nv21Frame;
+using tool::Size;
+
+// A library that does what a test says and notes how it is called.
+struct FakeLibrary {
+  int width = 0;
+  int height = 0;
+  unsigned sensor = 0;
+  int frames = 0;
+  int released = 0;
+  int deinits = 0;
+  int format = 0;
+  int noise_index = 0;
+  bool planes_touch = false;
+  std::string tuning;         // file that the real library would have read
+  std::string error_at_init;  // logged; no handle then
+  std::string error_at_run;   // logged
+  std::string skip_line;      // logged instead of processing
+} fake;
+
+void log_error(const std::string& text) {
+  __android_log_print(ANDROID_LOG_ERROR, "VOREL", "%s", text.c_str());
+}
+
+vorel* fake_init(int width, int height, int, unsigned sensor) {
+  fake.width = width;
+  fake.height = height;
+  fake.sensor = sensor;
+  if (!fake.error_at_init.empty()) {
+    log_error(fake.error_at_init);
+    return nullptr;
+  }
+  const char* directory = getenv("VOREL_FIRMWARE_DIR");
+  fake.tuning = read_text(std::string(directory != nullptr ? directory : "") +
+                          (sensor == 120 ? "/vorel_WT1200.json" : "/vorel_NOTHING.json"));
+  return reinterpret_cast<vorel*>(&fake);
+}
+
+// Adds 1 to luma and 2 to chroma.
+void* fake_run(vorel*, void* y, void* vu, int width, int height, int format, int noise_index) {
+  ++fake.frames;
+  fake.format = format;
+  fake.noise_index = noise_index;
+  const size_t luma = static_cast<size_t>(width) * static_cast<size_t>(height);
+  fake.planes_touch = static_cast<uint8_t*>(y) + luma == vu;
+  if (!fake.skip_line.empty()) {
+    __android_log_print(ANDROID_LOG_INFO, "VOREL", "%s", fake.skip_line.c_str());
+    return nullptr;
+  }
+  for (size_t i = 0; i < luma; ++i) ++static_cast<uint8_t*>(y)[i];
+  for (size_t i = 0; i < luma / 2; ++i) static_cast<uint8_t*>(vu)[i] += 2;
+  if (!fake.error_at_run.empty()) log_error(fake.error_at_run);
+  return nullptr;
+}
+
+void fake_release(vorel*) { ++fake.released; }
+int fake_deinit(vorel*) { return ++fake.deinits; }
+
+class Denoise : public testing::Test {
+ protected:
+  Denoise() {
+    fake = {};
+    unsetenv("VOREL_FIRMWARE_DIR");
+    options.quiet = true;
+  }
+
+  int run() {
+    try {
+      tool::run_denoise(options, {fake_init, fake_run, fake_release, fake_deinit});
+      message.clear();
+      return tool::kDone;
+    } catch (const tool::Failure& failure) {
+      message = failure.what();
+      return failure.status();
+    }
+  }
+
+  Nv21Frame result() { return std::get<Nv21Frame>(read(options.output).pixels); }
+  static tool::Picture read(const std::string& path) { return tool::read_picture(path, {}); }
+
+  TestDirectory directory;
+  DenoiseOptions options;
+  std::string message;
+};
+
+TEST_F(Denoise, FrameGoesInAndComesOutInPlaceForBothFormats) {
+  const Nv21Frame original = patterned_frame(32, 6);
+  options.input = directory / "in_32x6.nv21";
+  options.output = directory / "out_32x6.nv21";
+  options.noise_index = 700;
+  save(options.input, original);
+  for (const bool separate : {false, true}) {
+    options.separate_planes = separate;
+    ASSERT_EQ(run(), tool::kDone) << message;
+    const Nv21Frame denoised = result();
+    for (size_t i = 0; i < original.data.size(); ++i) {
+      ASSERT_EQ(denoised.data[i], original.data[i] + (i < 32 * 6 ? 1 : 2)) << i;
+    }
+    EXPECT_EQ(fake.format, separate ? VOREL_FMT_NM21 : VOREL_FMT_NV21);
+    EXPECT_EQ(fake.planes_touch, !separate);
+    EXPECT_EQ(fake.noise_index, 700);
+  }
+  EXPECT_EQ(fake.released, 2);
+  EXPECT_EQ(fake.deinits, 2);
+}
+
+TEST_F(Denoise, OtherSizesArePaddedAndCroppedBack) {
+  const Nv21Frame original = patterned_frame(17, 5);
+  options.input = directory / "in_17x5.nv21";
+  options.output = directory / "out_17x5.nv21";
+  save(options.input, original);
+  ASSERT_EQ(run(), tool::kDone) << message;
+  EXPECT_EQ(fake.width, 32);
+  EXPECT_EQ(fake.height, 6);
+  const Nv21Frame denoised = result();
+  ASSERT_EQ(denoised.data.size(), original.data.size());
+  for (size_t i = 0; i < original.data.size(); ++i) {
+    ASSERT_EQ(denoised.data[i], original.data[i] + (i < 17 * 5 ? 1 : 2)) << i;
+  }
+}
+
+TEST_F(Denoise, EveryFrameOfAVideoIsProcessedAndReleased) {
+  options.input = directory / "in.y4m";
+  options.output = directory / "out.y4m";
+  const auto output = tool::PictureOutput::open(options.input);
+  tool::Picture picture{patterned_frame(16, 4), {}};
+  picture.metadata.y4m_tags = "F24:1 C420mpeg2 XCOLORRANGE=LIMITED";
+  for (int i = 0; i < 3; ++i) output->write(picture);
+  output->finish();
+  ASSERT_EQ(run(), tool::kDone) << message;
+  EXPECT_EQ(fake.frames, 3);
+  EXPECT_EQ(fake.released, 3);
+  EXPECT_EQ(fake.deinits, 1);
+  EXPECT_THAT(read_text(options.output),
+              testing::StartsWith("YUV4MPEG2 W16 H4 F24:1 C420mpeg2 XCOLORRANGE=LIMITED\n"));
+  const auto input = tool::PictureInput::open(options.output, {});
+  for (int i = 0; i < 3; ++i) {
+    const Nv21Frame frame = std::get<Nv21Frame>(input->next()->pixels);
+    EXPECT_EQ(frame.data[0], patterned_frame(16, 4).data[0] + 1) << "no conversion on the way";
+  }
+  options.output = directory / "out.png";
+  EXPECT_EQ(run(), tool::kBadUsage) << "three frames do not fit into one picture";
+  EXPECT_THAT(directory.names(), Not(testing::Contains("out.png")));
+}
+
+TEST_F(Denoise, RgbPicturesComeBackWithinTheConversion) {
+  const tool::RgbImage image = gradient_picture(48, 32);
+  options.input = directory / "in.png";
+  options.output = directory / "out.png";
+  options.compare = directory / "side.png";
+  save(options.input, image);
+  ASSERT_EQ(run(), tool::kDone) << message;
+  const tool::RgbImage denoised = std::get<tool::RgbImage>(read(options.output).pixels);
+  ASSERT_EQ(denoised.pixels.size(), image.pixels.size());
+  EXPECT_NE(denoised.pixels, image.pixels);
+  for (int x = 2; x < 20; ++x) EXPECT_NEAR(denoised.row(3)[3 * x], image.row(3)[3 * x], 8);
+  EXPECT_EQ(read(*options.compare).size(), (Size{2 * 48 + 8, 32}));
+}
+
+TEST_F(Denoise, SkippedPicturesAreWrittenAsTheyCame) {
+  const tool::RgbImage image = gradient_picture(48, 32);
+  options.input = directory / "in.png";
+  options.output = directory / "out.png";
+  save(options.input, image);
+  fake.skip_line = "vorel_run, skip process, noiseIndex(100) < enableNoiseIndex(400)";
+  ASSERT_EQ(run(), tool::kDone) << message;
+  EXPECT_EQ(std::get<tool::RgbImage>(read(options.output).pixels).pixels, image.pixels);
+}
+
+TEST_F(Denoise, LibraryThatDoesNotStartOrProcessFailsTheRun) {
+  options.input = directory / "in_16x4.nv21";
+  options.output = directory / "out_16x4.nv21";
+  save(options.input, patterned_frame(16, 4));
+  fake.error_at_init = "vorel_init, this processor lacks half-precision arithmetic";
+  EXPECT_EQ(run(), tool::kFailed);
+  EXPECT_THAT(message, HasSubstr("this processor lacks half-precision arithmetic"));
+  EXPECT_EQ(fake.deinits, 0);
+
+  fake = {};
+  fake.error_at_run = "MFD_UV, skipped: no half-precision planes";
+  EXPECT_EQ(run(), tool::kFailed);
+  EXPECT_THAT(message, HasSubstr("MFD_UV, skipped"));
+  EXPECT_EQ(fake.deinits, 1);
+  EXPECT_THAT(directory.names(), testing::ElementsAre("in_16x4.nv21"));
+
+  fake = {};
+  fake.error_at_run = "Failed to open dump file /x!";
+  EXPECT_EQ(run(), tool::kDone) << "a dump is no frame: " << message;
+}
+
+TEST_F(Denoise, TruthMustHaveThePicturesSize) {
+  options.input = directory / "in_16x4.nv21";
+  options.output = directory / "out_16x4.nv21";
+  options.truth = directory / "truth.png";
+  save(options.input, patterned_frame(16, 4));
+  save(*options.truth, gradient_picture(16, 6));
+  EXPECT_EQ(run(), tool::kBadInput);
+  EXPECT_THAT(message, HasSubstr("is 16 x 6, but"));
+}
+
+TEST_F(Denoise, TuningFileReachesTheLibraryUnderTheSensorsName) {
+  options.input = directory / "in_16x4.nv21";
+  options.output = directory / "out_16x4.nv21";
+  options.tuning.sensor = 120;
+  options.tuning.name = directory / "my tuning.txt";
+  save(options.input, patterned_frame(16, 4));
+  const std::string text = R"([{"CNRTuningSetfile":{"Date":"x"},"enable":1}] rest)";
+  write_text(*options.tuning.name, text);
+  ASSERT_EQ(run(), tool::kDone) << message;
+  EXPECT_EQ(fake.sensor, 120u);
+  EXPECT_EQ(fake.tuning, text);
+  EXPECT_EQ(getenv("VOREL_FIRMWARE_DIR"), nullptr) << "the environment is as it was";
+}
+
+TEST(DenoiseSummaryText, SaysWhatHappened) {
+  tool::DenoiseSummary summary;
+  summary.input = "a.png";
+  summary.output = "b.png";
+  summary.tuning = "my.json";
+  summary.tuning_date = "dated 2026-01-02";
+  summary.sensor = "0 (NOTHING)";
+  summary.noise_index = 1600;
+  summary.default_noise_index = true;
+  summary.size = {17, 5};
+  summary.processed_size = {32, 6};
+  summary.frames = 2;
+  summary.milliseconds = 25;
+  Nv21Frame before = patterned_frame(16, 4);
+  Nv21Frame after = before;
+  after.vu()[0] = static_cast<uint8_t>(after.vu()[0] + 32);
+  summary.change.add(before, after);
+  const std::string text = tool::summary_text(summary);
+  EXPECT_THAT(text, HasSubstr("a.png -> b.png\n"));
+  EXPECT_THAT(text, HasSubstr("my.json, dated 2026-01-02"));
+  EXPECT_THAT(text, HasSubstr("1600 (the default; give the frame's own with --noise-index)"));
+  EXPECT_THAT(text, HasSubstr("17 x 5, processed as 32 x 6"));
+  EXPECT_THAT(text, HasSubstr("12.5 ms per frame, 2 frames"));
+  EXPECT_THAT(text, HasSubstr("chroma 3.1 % of samples, mean change 1.00; luma unchanged"));
+}
+
+TEST(DenoiseSummaryText, NothingIsSaidToBeNothing) {
+  tool::DenoiseSummary summary;
+  summary.noise_index = 100;
+  summary.size = summary.processed_size = {16, 4};
+  summary.frames = 1;
+  EXPECT_THAT(tool::summary_text(summary), HasSubstr("nothing: this tuning leaves every sample"));
+  summary.skipped_frames = 1;
+  summary.enable_noise_index = 400;
+  EXPECT_THAT(tool::summary_text(summary),
+              HasSubstr("nothing: noise index 100 is below the tuning's enableNoiseIndex 400"));
+}
+
+}  // namespace

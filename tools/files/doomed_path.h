@@ -1,0 +1,30 @@
+// Files and directories that must not outlive the program.
+#ifndef VOREL_TOOLS_FILES_DOOMED_PATH_H_
+#define VOREL_TOOLS_FILES_DOOMED_PATH_H_
+
+#include <string>
+
+namespace tool {
+
+// Arranges that SIGINT, SIGTERM and SIGHUP remove every doomed path before they end the program.
+// A signal that is ignored at the start (nohup) stays ignored. A write past a file size limit
+// becomes an error like any other instead of a signal. Call once, before threads exist.
+void install_signal_handlers();
+
+// While an object lives, a signal removes `path`. Make it before the path is created. The
+// destructor only forgets the path; its owner removes it.
+class DoomedPath {
+ public:
+  enum class Kind { kFile, kDirectory };  // directories go after all files, so they are empty
+  DoomedPath(const std::string& path, Kind kind);
+  ~DoomedPath();
+  DoomedPath(const DoomedPath&) = delete;
+  DoomedPath& operator=(const DoomedPath&) = delete;
+
+ private:
+  int slot_;
+};
+
+}  // namespace tool
+
+#endif  // VOREL_TOOLS_FILES_DOOMED_PATH_H_

@@ -1,0 +1,30 @@
+// The CIEDE2000 colour difference (CIE 142-2001, weights 1).
+#ifndef VOREL_TOOLS_MEASURE_CIEDE2000_H_
+#define VOREL_TOOLS_MEASURE_CIEDE2000_H_
+
+#include <array>
+#include <cstdint>
+
+namespace tool {
+
+struct Lab {
+  double l;
+  double a;
+  double b;
+};
+
+[[nodiscard]] double ciede2000(const Lab& first, const Lab& second);
+
+// sRGB bytes to CIE L*a*b* (D65).
+class LabConverter {
+ public:
+  LabConverter();
+  [[nodiscard]] Lab operator()(const uint8_t* rgb) const;
+
+ private:
+  std::array<double, 256> light_;
+};
+
+}  // namespace tool
+
+#endif  // VOREL_TOOLS_MEASURE_CIEDE2000_H_

@@ -1,0 +1,106 @@
+#include "tools/measure/distance_table.h"
+
+#include <jansson.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+namespace tool {
+namespace {
+
+struct Figure {
+  const char* label;
+  const char* key;
+  double (PictureDistance::*value)() const;
+  bool more_is_better;
+};
+
+constexpr Figure kFigures[] = {
+    {"PSNR Y, dB", "psnr_y", &PictureDistance::psnr_y, true},
+    {"PSNR U, dB", "psnr_u", &PictureDistance::psnr_u, true},
+    {"PSNR V, dB", "psnr_v", &PictureDistance::psnr_v, true},
+    {"CIEDE2000, mean", "ciede2000", &PictureDistance::mean_ciede2000, false},
+};
+constexpr size_t kLabelWidth = 17;
+constexpr size_t kGap = 2;
+
+double rounded(double value) {
+  return std::isfinite(value) ? std::round(value * 100) / 100 : value;
+}
+
+// "  +2.31 better"; figures that print alike are the same.
+std::string judgement(const Figure& figure, double value, double first) {
+  const double now = rounded(value);
+  const double before = rounded(first);
+  if (now == before) return " (same)";
+  const char* word = (now > before) == figure.more_is_better ? "better" : "worse";
+  if (!std::isfinite(now) || !std::isfinite(before)) return std::string(" (") + word + ")";
+  char text[64];
+  std::snprintf(text, sizeof(text), " (%+.2f %s)", now - before, word);
+  return text;
+}
+
+std::string padded(const std::string& text, size_t width) {
+  return text + std::string(width > text.size() ? width - text.size() : 0, ' ');
+}
+
+}  // namespace
+
+std::string figure_text(double figure) {
+  if (!std::isfinite(figure)) return "equal";
+  char text[32];
+  std::snprintf(text, sizeof(text), "%.2f", figure);
+  return text;
+}
+
+std::string distance_table(const std::vector<NamedDistance>& pictures) {
+  std::vector<std::vector<std::string>> columns;
+  for (const NamedDistance& picture : pictures) {
+    std::vector<std::string> column{picture.name};
+    for (const Figure& figure : kFigures) {
+      const double value = (picture.distance.*figure.value)();
+      const double first = (pictures.front().distance.*figure.value)();
+      const bool is_first = columns.empty();
+      column.push_back(figure_text(value) + (is_first ? "" : judgement(figure, value, first)));
+    }
+    columns.push_back(std::move(column));
+  }
+  std::string table;
+  for (size_t row = 0; row <= std::size(kFigures); ++row) {
+    std::string line = padded(row == 0 ? "" : kFigures[row - 1].label, kLabelWidth);
+    for (const std::vector<std::string>& column : columns) {
+      size_t width = 0;
+      for (const std::string& cell : column) width = std::max(width, cell.size());
+      line += padded(column[row], width + kGap);
+    }
+    table += "  " + line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+  }
+  return table;
+}
+
+std::string distance_json(const std::string& reference,
+                          const std::vector<NamedDistance>& pictures) {
+  json_t* list = json_array();
+  for (const NamedDistance& picture : pictures) {
+    json_t* entry = json_object();
+    json_object_set_new(entry, "file", json_string(picture.name.c_str()));
+    for (const Figure& figure : kFigures) {
+      const double value = (picture.distance.*figure.value)();
+      json_object_set_new(entry, figure.key, std::isfinite(value) ? json_real(value) : json_null());
+    }
+    json_array_append_new(list, entry);
+  }
+  json_t* root = json_object();
+  json_object_set_new(root, "reference", json_string(reference.c_str()));
+  json_object_set_new(root, "pictures", list);
+  char* text = json_dumps(root, JSON_INDENT(2) | JSON_REAL_PRECISION(8));
+  json_decref(root);
+  const std::string result = std::string(text != nullptr ? text : "{}") + "\n";
+  std::free(text);
+  return result;
+}
+
+}  // namespace tool

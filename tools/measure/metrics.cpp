@@ -1,0 +1,99 @@
+#include "tools/measure/metrics.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <thread>
+#include <vector>
+
+#include "tools/measure/ciede2000.h"
+
+namespace tool {
+namespace {
+
+constexpr double kPeak = 255.0;
+
+// Adds the squared differences of every `step`-th byte.
+void add_squares(PlaneError& error, const uint8_t* a, const uint8_t* b, size_t count, size_t step) {
+  uint64_t squares = 0;  // 2^28 samples of at most 255^2 fit
+  for (size_t i = 0; i < count; ++i) {
+    const int difference = a[i * step] - b[i * step];
+    squares += static_cast<uint64_t>(difference * difference);
+  }
+  error.squares += static_cast<double>(squares);
+  error.samples += static_cast<double>(count);
+}
+
+void add_changes(ChangeCount::Plane& plane, const uint8_t* before, const uint8_t* after,
+                 size_t count) {
+  uint64_t changed = 0;
+  uint64_t sum = 0;
+  for (size_t i = 0; i < count; ++i) {
+    const int difference = std::abs(after[i] - before[i]);
+    changed += difference != 0 ? 1 : 0;
+    sum += static_cast<uint64_t>(difference);
+  }
+  plane.changed += static_cast<double>(changed);
+  plane.sum += static_cast<double>(sum);
+  plane.total += static_cast<double>(count);
+}
+
+double row_sum(const LabConverter& to_lab, const uint8_t* a, const uint8_t* b, int width) {
+  double sum = 0.0;
+  for (size_t x = 0; x < static_cast<size_t>(width); ++x) {
+    const uint8_t* pa = a + 3 * x;
+    const uint8_t* pb = b + 3 * x;
+    if (std::memcmp(pa, pb, 3) != 0) sum += ciede2000(to_lab(pa), to_lab(pb));
+  }
+  return sum;
+}
+
+}  // namespace
+
+double PlaneError::psnr() const {
+  if (squares == 0.0) return std::numeric_limits<double>::infinity();
+  return 10.0 * std::log10(kPeak * kPeak * samples / squares);
+}
+
+double ciede2000_sum(const RgbImage& a, const RgbImage& b) {
+  const LabConverter to_lab;
+  std::vector<double> rows(static_cast<size_t>(a.height));
+  const int threads = static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, 16u));
+  const auto work = [&](int first) {
+    for (int y = first; y < a.height; y += threads) {
+      rows[static_cast<size_t>(y)] = row_sum(to_lab, a.row(y), b.row(y), a.width);
+    }
+  };
+  {
+    std::vector<std::jthread> workers;
+    for (int i = 1; i < threads; ++i) workers.emplace_back(work, i);
+    work(0);
+  }
+  // Summed in row order, so that the number of threads does not show.
+  double sum = 0.0;
+  for (const double row : rows) sum += row;
+  return sum;
+}
+
+void PictureDistance::add(const Nv21Frame& frame, const RgbImage& image, const Nv21Frame& reference,
+                          const RgbImage& reference_image) {
+  const size_t chroma = frame.chroma_bytes() / 2;
+  add_squares(y_, frame.y(), reference.y(), frame.luma_bytes(), 1);
+  add_squares(v_, frame.vu(), reference.vu(), chroma, 2);
+  add_squares(u_, frame.vu() + 1, reference.vu() + 1, chroma, 2);
+  difference_sum_ += ciede2000_sum(image, reference_image);
+  pixels_ += static_cast<double>(frame.luma_bytes());
+}
+
+double PictureDistance::mean_ciede2000() const {
+  return pixels_ > 0.0 ? difference_sum_ / pixels_ : 0.0;
+}
+
+void ChangeCount::add(const Nv21Frame& before, const Nv21Frame& after) {
+  add_changes(luma_, before.y(), after.y(), before.luma_bytes());
+  add_changes(chroma_, before.vu(), after.vu(), before.chroma_bytes());
+}
+
+}  // namespace tool

@@ -1,0 +1,28 @@
+// JPEG pictures. They hold full-range BT.601 YUV already, so 4:2:0 files are read and written
+// without any colour conversion.
+#ifndef VOREL_TOOLS_PICTURES_JPEG_FILE_H_
+#define VOREL_TOOLS_PICTURES_JPEG_FILE_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tools/pictures/picture.h"
+
+namespace tool {
+
+inline constexpr int kDefaultJpegQuality = 95;
+
+[[nodiscard]] bool is_jpeg(const std::vector<uint8_t>& bytes);
+
+// A full-range BT.601 frame, or RGB for files of unusual sampling. Cut files throw an input error
+// that names `path`; lesser damage is a warning.
+[[nodiscard]] Picture decode_jpeg(const std::string& path, const std::vector<uint8_t>& bytes);
+
+// `frame` must be full-range BT.601.
+[[nodiscard]] std::vector<uint8_t> encode_jpeg(const Nv21Frame& frame, int quality,
+                                               const Metadata& metadata);
+
+}  // namespace tool
+
+#endif  // VOREL_TOOLS_PICTURES_JPEG_FILE_H_

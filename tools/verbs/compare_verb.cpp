@@ -1,0 +1,49 @@
+#include <memory>
+
+#include "tools/files/failure.h"
+#include "tools/verbs/compare.h"
+#include "tools/verbs/verb_options.h"
+#include "tools/verbs/verbs.h"
+
+namespace tool {
+namespace {
+
+constexpr char kFooter[] =
+    "PSNR per plane (higher is better) and mean CIEDE2000 colour difference (lower is better).\n"
+    "With --truth every picture is held against it, else against the first picture.\n"
+    "The side-by-side picture shows the pictures in the order given, then the truth.\n"
+    "\n"
+    "Examples:\n"
+    "  vorel compare noisy.png clean.png --truth meadow.jpg\n"
+    "  vorel compare a.png b.png c.png --truth t.png -o side.png --crop 1200,600,200,200 --zoom 4";
+
+}  // namespace
+
+Verb add_compare_verb(CLI::App& app) {
+  const auto options = std::make_shared<CompareOptions>();
+  CLI::App& verb = add_verb(app, "compare", "Say how far pictures are from each other", kFooter);
+  verb.add_option("PICTURE", options->pictures, "pictures or videos of one size")
+      ->required()
+      ->option_text(" ");
+  verb.add_option("--truth", options->truth, "the picture that all others should be")
+      ->option_text("PICTURE");
+  verb.add_option("-o,--output", options->output, "write the pictures side by side")
+      ->option_text("PICTURE");
+  verb.add_option_function<std::string>(
+          "--crop", [options](const std::string& text) { options->crop = parse_crop(text); },
+          "part that the side-by-side picture shows")
+      ->option_text("X,Y,WIDTH,HEIGHT")
+      ->check(crop_rectangle());
+  verb.add_option("--zoom", options->zoom, "enlarge the side-by-side picture by repeating pixels")
+      ->option_text("1-32")
+      ->check(whole_number(1, kMaxZoom));
+  verb.add_flag("--json", options->json, "print the figures for programs");
+  add_read_options(verb, options->read);
+  add_force(verb, options->force);
+  return {&verb, [options] {
+            run_compare(*options);
+            return kDone;
+          }};
+}
+
+}  // namespace tool

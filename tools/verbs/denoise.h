@@ -1,0 +1,38 @@
+// `vorel denoise`: runs the library over a picture or a video.
+#ifndef VOREL_TOOLS_VERBS_DENOISE_H_
+#define VOREL_TOOLS_VERBS_DENOISE_H_
+
+#include <optional>
+#include <string>
+
+#include "tools/library/engine.h"
+#include "tools/library/library_log.h"
+#include "tools/library/tuning_choice.h"
+#include "tools/pictures/picture_io.h"
+
+namespace tool {
+
+inline constexpr int kDefaultNoiseIndex = 1600;
+
+struct DenoiseOptions {
+  std::string input;
+  std::string output;
+  std::optional<int> noise_index;
+  TuningRequest tuning;
+  ReadOptions read;
+  bool separate_planes = false;        // NM21
+  std::optional<std::string> compare;  // before and after, side by side
+  std::optional<std::string> truth;    // the same picture without noise
+  std::optional<std::string> dump;     // directory for the library's dumps
+  int quality = kDefaultJpegQuality;
+  LogLevel log = LogLevel::kWarning;
+  bool quiet = false;
+  bool force = false;
+};
+
+// Prints a summary unless `quiet`.
+void run_denoise(const DenoiseOptions& options, const LibraryCalls& calls = {});
+
+}  // namespace tool
+
+#endif  // VOREL_TOOLS_VERBS_DENOISE_H_

@@ -1,0 +1,39 @@
+// What `vorel denoise` tells about a run.
+#ifndef VOREL_TOOLS_VERBS_DENOISE_SUMMARY_H_
+#define VOREL_TOOLS_VERBS_DENOISE_SUMMARY_H_
+
+#include <string>
+#include <vector>
+
+#include "tools/measure/distance_table.h"
+#include "tools/measure/metrics.h"
+#include "tools/pictures/picture.h"
+
+namespace tool {
+
+struct DenoiseSummary {
+  std::string input;
+  std::string output;
+  std::string tuning;       // where it came from
+  std::string tuning_date;  // empty when not known
+  std::string sensor;
+  int noise_index = 0;
+  bool default_noise_index = false;
+  Size size{};
+  Size processed_size{};
+  int frames = 0;
+  int skipped_frames = 0;
+  int enable_noise_index = 0;  // of the tuning, when frames were skipped
+  double milliseconds = 0.0;   // of all frames
+  ChangeCount change;
+  std::string compare;                   // empty when not asked for
+  std::string truth;                     // empty when not given
+  std::vector<NamedDistance> distances;  // before and after, from the truth
+  std::string dumps;                     // directory, empty without dumps
+};
+
+[[nodiscard]] std::string summary_text(const DenoiseSummary& summary);
+
+}  // namespace tool
+
+#endif  // VOREL_TOOLS_VERBS_DENOISE_SUMMARY_H_

@@ -1,0 +1,76 @@
+#include <map>
+#include <memory>
+
+#include "tools/files/failure.h"
+#include "tools/verbs/denoise.h"
+#include "tools/verbs/verb_options.h"
+#include "tools/verbs/verbs.h"
+
+namespace tool {
+namespace {
+
+constexpr char kFooter[] =
+    "The output's kind is what its name says; it appears only when it is complete.\n"
+    "Frames below the tuning's enableNoiseIndex are left as they are, as on the phone.\n"
+    "\n"
+    "Examples:\n"
+    "  vorel denoise noisy.png -o clean.png --noise-index 3200\n"
+    "  vorel denoise dump_4000_3000.nv21 -o out.png --tuning vorel_WT1200.json --sensor 120\n"
+    "  vorel denoise clip.y4m -o clean.y4m --noise-index 800 --no-spatial\n"
+    "  vorel denoise noisy.png -o clean.png --compare side.png --truth clean_original.png";
+
+}  // namespace
+
+Verb add_denoise_verb(CLI::App& app) {
+  const auto options = std::make_shared<DenoiseOptions>();
+  static const std::map<std::string, LogLevel> kLevels{{"error", LogLevel::kError},
+                                                       {"warning", LogLevel::kWarning},
+                                                       {"info", LogLevel::kInfo},
+                                                       {"debug", LogLevel::kDebug}};
+  CLI::App& verb = add_verb(app, "denoise", "Remove colour noise from a picture or video", kFooter);
+  verb.add_option("INPUT", options->input, "picture or video")->required()->option_text(" ");
+  add_output(verb, options->output);
+  verb.add_option("-n,--noise-index", options->noise_index,
+                  "noise level of the frame, commonly its ISO sensitivity (1600 is the default)")
+      ->option_text("N")
+      ->check(whole_number(0, kMaxInt));
+  verb.add_option("--sensor", options->tuning.sensor, "id of the sensor (0 is the default)")
+      ->option_text("ID")
+      ->check(whole_number(0, kMaxInt));
+  verb.add_option("--tuning", options->tuning.name,
+                  "tuning file of any name; or a folder with vorel_<model>.json files; or none for "
+                  "the library's built-in values. Default: the folder VOREL_FIRMWARE_DIR, else a "
+                  "sample tuning in this program")
+      ->option_text("FILE|DIR|none");
+  verb.add_flag("--no-spatial", options->tuning.no_spatial, "switch the spatial path off");
+  verb.add_flag("--no-wavelet", options->tuning.no_wavelet, "switch the wavelet path off");
+  verb.add_option("--compare", options->compare, "also write before, after and truth side by side")
+      ->option_text("PICTURE");
+  verb.add_option("--truth", options->truth,
+                  "the same picture without noise: say how far before and after are from it")
+      ->option_text("PICTURE");
+  add_read_options(verb, options->read);
+  verb.add_option_function<std::string>(
+          "--format",
+          [options](const std::string& text) { options->separate_planes = text == "nm21"; },
+          "hand planes to the library as one buffer (nv21, the default) or as two (nm21)")
+      ->option_text("nv21|nm21")
+      ->check(CLI::IsMember({"nv21", "nm21"}));
+  add_quality(verb, options->quality);
+  verb.add_option("--dump", options->dump,
+                  "let the library dump every plane into a folder below DIR")
+      ->option_text("DIR");
+  verb.add_option_function<std::string>(
+          "--log", [options](const std::string& text) { options->log = kLevels.at(text); },
+          "which lines of the library to show (warning is the default)")
+      ->option_text("error|warning|info|debug")
+      ->check(CLI::IsMember({"error", "warning", "info", "debug"}));
+  verb.add_flag("-q,--quiet", options->quiet, "print no summary");
+  add_force(verb, options->force);
+  return {&verb, [options] {
+            run_denoise(*options);
+            return kDone;
+          }};
+}
+
+}  // namespace tool

@@ -1,0 +1,42 @@
+#include "tools/verbs/noise.h"
+
+#include <cstdio>
+
+#include "tools/files/failure.h"
+#include "tools/pictures/colour.h"
+#include "tools/pictures/noise_model.h"
+
+namespace tool {
+
+void run_noise(const NoiseOptions& options) {
+  check_outputs({options.output}, {options.input}, options.force);
+  const std::unique_ptr<PictureInput> input = PictureInput::open(options.input, options.read);
+  const std::unique_ptr<PictureOutput> output =
+      PictureOutput::open(options.output, options.quality);
+  const bool keeps_rgb = kind_of_name(options.output) == FileKind::kPng;
+  NoiseSettings settings{options.gain, options.seed, 0};
+  Size size{};
+  while (std::optional<Picture> picture = input->next()) {
+    size = picture->size();
+    const RgbImage noisy = add_camera_noise(as_rgb(*picture), settings);
+    if (keeps_rgb) {
+      picture->pixels = noisy;
+    } else {
+      picture->pixels = rgb_to_nv21(noisy, input->colour());
+    }
+    output->write(*picture);
+    ++settings.frame;
+  }
+  if (settings.frame == 0) throw input_error(options.input, "holds no frame");
+  output->finish();
+  std::printf("%s -> %s\n", options.input.c_str(), options.output.c_str());
+  std::printf(
+      "  size         %s%s\n", size_text(size).c_str(),
+      settings.frame > 1 ? (", " + std::to_string(settings.frame) + " frames").c_str() : "");
+  std::printf("  gain         %d, seed %llu\n", options.gain,
+              static_cast<unsigned long long>(options.seed));
+  std::printf("  noise index  %d (100 x gain; for vorel denoise --noise-index)\n",
+              kNoiseIndexPerGain * options.gain);
+}
+
+}  // namespace tool

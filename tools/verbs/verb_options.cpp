@@ -1,0 +1,105 @@
+#include "tools/verbs/verb_options.h"
+
+#include <charconv>
+#include <cstdio>
+#include <map>
+#include <optional>
+
+namespace tool {
+namespace {
+
+std::optional<uint64_t> parse_whole(const std::string& text) {
+  uint64_t value = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  if (error != std::errc() || stop != end) return std::nullopt;
+  return value;
+}
+
+std::optional<Crop> read_crop(const std::string& text) {
+  Crop crop{};
+  int length = 0;
+  const int found = std::sscanf(text.c_str(), "%6d,%6d,%6d,%6d%n", &crop.x, &crop.y, &crop.width,
+                                &crop.height, &length);
+  if (found != 4 || static_cast<size_t>(length) != text.size()) return std::nullopt;
+  if (crop.x < 0 || crop.y < 0 || crop.width < 1 || crop.height < 1) return std::nullopt;
+  return crop;
+}
+
+}  // namespace
+
+CLI::Validator whole_number(uint64_t first, uint64_t last) {
+  return {[first, last](const std::string& text) {
+            const std::optional<uint64_t> value = parse_whole(text);
+            if (value && *value >= first && *value <= last) return std::string();
+            return "'" + text + "' is no whole number from " + std::to_string(first) + " to " +
+                   std::to_string(last);
+          },
+          ""};
+}
+
+CLI::Validator picture_size() {
+  return {[](const std::string& text) {
+            if (parse_size(text)) return std::string();
+            return "'" + text + "' is no size such as 1920x1080 (at most " +
+                   std::to_string(kMaxSide) + " a side and " + std::to_string(kMaxPixels) +
+                   " pixels)";
+          },
+          ""};
+}
+
+CLI::Validator crop_rectangle() {
+  return {[](const std::string& text) {
+            return read_crop(text) ? std::string()
+                                   : "'" + text + "' is no rectangle such as 100,200,640,480";
+          },
+          ""};
+}
+
+Crop parse_crop(const std::string& text) { return read_crop(text).value_or(Crop{}); }
+
+CLI::App& add_verb(CLI::App& app, const char* name, const char* description, const char* footer) {
+  CLI::App& verb = *app.add_subcommand(name, description);
+  verb.footer(footer);
+  verb.group("Verbs");
+  return verb;
+}
+
+void add_output(CLI::App& verb, std::string& output) {
+  verb.add_option("-o,--output", output, "file to write")->required()->option_text("OUTPUT");
+}
+
+void add_quality(CLI::App& verb, int& quality) {
+  verb.add_option("--quality", quality, "of JPEG output (95 is the default)")
+      ->option_text("1-100")
+      ->check(whole_number(1, 100));
+}
+
+void add_force(CLI::App& verb, bool& force) {
+  verb.add_flag("--force", force,
+                "let the output replace an input; it is replaced as a whole, at the end");
+}
+
+void add_read_options(CLI::App& app, ReadOptions& read) {
+  static const std::map<std::string, Range> kRanges{{"full", Range::kFull},
+                                                    {"limited", Range::kLimited}};
+  static const std::map<std::string, Matrix> kMatrices{{"601", Matrix::kBt601},
+                                                       {"709", Matrix::kBt709}};
+  app.add_option_function<std::string>(
+         "--size", [&read](const std::string& text) { read.size = parse_size(text); },
+         "size of a raw frame, when its name does not say it")
+      ->option_text("WIDTHxHEIGHT")
+      ->check(picture_size());
+  app.add_option_function<std::string>(
+         "--range", [&read](const std::string& text) { read.range = kRanges.at(text); },
+         "range of YUV samples (full: 0-255, what phones deliver, is the default)")
+      ->option_text("full|limited")
+      ->check(CLI::IsMember({"full", "limited"}));
+  app.add_option_function<std::string>(
+         "--matrix", [&read](const std::string& text) { read.matrix = kMatrices.at(text); },
+         "YUV matrix: BT.601 (the default), or BT.709 for raw and y4m input")
+      ->option_text("601|709")
+      ->check(CLI::IsMember({"601", "709"}));
+}
+
+}  // namespace tool
