@@ -28,7 +28,7 @@ ALLOWED = {
     "tools/verbs": ["tools/files", "tools/pictures", "tools/measure", "tools/tuning",
                     "tools/library"],
     "tools/library": [PUBLIC, "tools/files", "tools/pictures", "tools/tuning",
-                      "tuning/tuning.h"],
+                      "tuning/sensors.h"],
     "tools/measure": ["tools/files", "tools/pictures"],
     "tools/pictures": ["tools/files"],
     "tools/tuning": [PUBLIC, "tools/files", "tuning/keys.h", "tuning/check.h"],

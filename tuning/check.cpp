@@ -90,7 +90,11 @@ bool in_section(const tuning_key& key, const char* section) {
   return std::strcmp(section, key.section) == 0;
 }
 
+// For `vorel`, not for the library: the chroma noise that each level belongs to.
+constexpr char kChromaNoise[] = "chromaNoise_values";
+
 bool is_known(const char* section, const char* name) {
+  if (section == nullptr && std::strcmp(name, kChromaNoise) == 0) return true;
   if (section == nullptr && is_section(name)) return true;
   for (const tuning_key& key : tuning_keys()) {
     if (in_section(key, section) && std::strcmp(key.name, name) == 0) return true;

@@ -1,14 +1,11 @@
+#include "tuning/sensors.h"
+
 #include <cstring>
 
 #include "platform/log.h"
 #include "tuning/tuning.h"
 
 namespace {
-
-struct sensor {
-  int32_t id;
-  const char* model;
-};
 
 // Id 0 is a sensor like the others: its file is the one for cameras of no known model.
 constexpr sensor kSensors[] = {
@@ -18,6 +15,8 @@ constexpr sensor kSensors[] = {
 };
 
 }  // namespace
+
+std::span<const sensor> known_sensors() { return kSensors; }
 
 bool GetCurrentSensorInfo(char* name, int32_t sensorId) {
   for (const sensor& row : kSensors) {

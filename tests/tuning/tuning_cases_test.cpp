@@ -18,6 +18,7 @@
 #include "tests/support/temp_dir.h"
 #include "tests/tuning/tuning_fields.h"
 #include "tuning/check.h"
+#include "tuning/sensors.h"
 #include "tuning/tuning.h"
 
 namespace {
@@ -120,18 +121,17 @@ TEST(TuningSamples, LoadWithoutAnyFinding) {
     // The name must be a known sensor's, or nobody would ever load it.
     const std::string name = entry.path().stem().string();
     ASSERT_EQ(name.rfind("vorel_", 0), 0u);
-    char model[kSensorNameSize] = {};
-    bool known = false;
-    for (int id = 0; id < 128 && !known; ++id) {
-      known = GetCurrentSensorInfo(model, id) && name == std::string("vorel_") + model;
-    }
-    EXPECT_TRUE(known);
+    const auto sensors = known_sensors();
+    const auto named = std::find_if(sensors.begin(), sensors.end(), [&](const sensor& row) {
+      return name == std::string("vorel_") + row.model;
+    });
+    ASSERT_NE(named, sensors.end());
 
     const ScopedEnv firmware("VOREL_FIRMWARE_DIR", entry.path().parent_path().c_str());
     const LogCapture log;
     cnr_tuning tuning{};
     set_default_tuning(&tuning);
-    load_tuning_file(model, &tuning);
+    load_tuning_file(named->model, &tuning);
     EXPECT_EQ(log.errors(), 0);
     EXPECT_EQ(tuning.NILevelNum, 12);
     EXPECT_EQ(tuning.enable, 1);

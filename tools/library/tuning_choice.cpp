@@ -8,7 +8,7 @@
 #include "tools/pictures/picture_name.h"
 #include "tools/tuning/edit.h"
 #include "tools/tuning/findings.h"
-#include "tuning/tuning.h"
+#include "tuning/sensors.h"
 
 namespace tool {
 namespace {
@@ -16,17 +16,18 @@ namespace {
 constexpr char kFirmwareVariable[] = "VOREL_FIRMWARE_DIR";
 // A file that sets nothing leaves every built-in value in force.
 constexpr char kNoTuning[] = R"([{"CNRTuningSetfile": {"Date": "built-in values"}}])";
-constexpr unsigned kSensorIds = 128;
 
-std::string model_of(unsigned sensor) {
-  char name[kSensorNameSize] = {};
-  return GetCurrentSensorInfo(name, static_cast<int32_t>(sensor)) ? name : "";
+std::string model_of(unsigned id) {
+  for (const sensor& row : known_sensors()) {
+    if (static_cast<unsigned>(row.id) == id) return row.model;
+  }
+  return "";
 }
 
-std::string known_sensors() {
+std::string known_ids() {
   std::string list;
-  for (unsigned id = 0; id < kSensorIds; ++id) {
-    if (!model_of(id).empty()) list += (list.empty() ? "" : ", ") + std::to_string(id);
+  for (const sensor& row : known_sensors()) {
+    list += (list.empty() ? "" : ", ") + std::to_string(row.id);
   }
   return list;
 }
@@ -56,7 +57,7 @@ TuningChoice::TuningChoice(const TuningRequest& request) : model_(model_of(reque
     warn("sensor " + std::to_string(request.sensor) +
          " is not known to the library, which uses "
          "its built-in values; known are " +
-         known_sensors());
+         known_ids());
     if (request.no_spatial || request.no_wavelet) {
       throw usage_error("--no-spatial and --no-wavelet need a sensor that the library knows");
     }
