@@ -109,7 +109,7 @@ inline void split_plainly(const PlainSplit& split, Plane& src, Plane& lo, Plane&
 }
 
 // One band's term; the sample comes from the high band or from the low one.
-struct PlainTerm {
+struct PlainJoinTerm {
   bool high;
   int offset;
   double tap;
@@ -119,7 +119,7 @@ struct PlainJoin {
   const char* name;
   SplitMethod method;
   bool along_columns;
-  std::vector<PlainTerm> terms;
+  std::vector<PlainJoinTerm> terms;
   bool from_zero;
   double scale;
   int shift;  // columns and rows by which outputs move
@@ -127,11 +127,11 @@ struct PlainJoin {
   int least_length;
 };
 
-inline const std::vector<PlainTerm> kLevel1Terms = {
+inline const std::vector<PlainJoinTerm> kLevel1Terms = {
     {false, 0, kL}, {true, 0, -kL}, {false, -1, kL}, {true, -1, kL}};
-inline const std::vector<PlainTerm> kLevel2Terms = {
+inline const std::vector<PlainJoinTerm> kLevel2Terms = {
     {false, 0, kL}, {true, 0, -kL}, {false, -1, 0}, {true, -1, 0}, {false, -2, kL}, {true, -2, kL}};
-inline const std::vector<PlainTerm> kDirectionalTerms = {
+inline const std::vector<PlainJoinTerm> kDirectionalTerms = {
     {false, 2, kD}, {true, 2, -kD}, {false, 1, kD},  {true, 1, -kD},
     {false, 0, kD}, {true, 0, kD},  {false, -1, kD}, {true, -1, kD}};
 
@@ -154,7 +154,7 @@ inline void join_plainly(const PlainJoin& join, Plane& lo, Plane& hi, Plane& out
   for (int y = 0; y < rows; ++y) {
     for (int x = 0; x < columns; ++x) {
       PlainHalf sum = join.from_zero ? 0.0 : -0.0;
-      for (const PlainTerm& term : join.terms) {
+      for (const PlainJoinTerm& term : join.terms) {
         const int at = (join.along_columns ? y : x) + term.offset;
         if (at < 0 || at >= length) continue;
         Plane& band = term.high ? hi : lo;

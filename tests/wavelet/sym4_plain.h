@@ -13,7 +13,7 @@ inline constexpr double kPlainTaps[8] = {0.0322265625,      0.012603759765625, 0
                                          0.029632568359375, 0.07574462890625};
 
 // Adds (+1) or subtracts (-1) tap times the sample at `offset`.
-struct PlainTerm {
+struct PlainTap {
   int sign;
   int tap;
   int offset;
@@ -21,26 +21,26 @@ struct PlainTerm {
 };
 
 // Offsets count from sample 2k.
-inline const std::vector<PlainTerm> kPlainLow = {{1, 0, -4}, {-1, 1, -3}, {-1, 2, -2}, {1, 3, -1},
-                                                 {1, 4, 0},  {1, 5, 1},   {-1, 6, 2},  {-1, 7, 3}};
-inline const std::vector<PlainTerm> kPlainHigh = {{1, 6, -3}, {-1, 7, -4}, {1, 5, -2}, {-1, 4, -1},
-                                                  {1, 3, 0},  {1, 2, 1},   {-1, 1, 2}, {-1, 0, 3}};
+inline const std::vector<PlainTap> kPlainLow = {{1, 0, -4}, {-1, 1, -3}, {-1, 2, -2}, {1, 3, -1},
+                                                {1, 4, 0},  {1, 5, 1},   {-1, 6, 2},  {-1, 7, 3}};
+inline const std::vector<PlainTap> kPlainHigh = {{1, 6, -3}, {-1, 7, -4}, {1, 5, -2}, {-1, 4, -1},
+                                                 {1, 3, 0},  {1, 2, 1},   {-1, 1, 2}, {-1, 0, 3}};
 // Offsets count from sample k of the bands; outputs 2k - 1 and 2k.
-inline const std::vector<PlainTerm> kPlainOdd = {
+inline const std::vector<PlainTap> kPlainOdd = {
     {1, 5, -1},        {-1, 7, -2},      {1, 3, 0},        {-1, 1, 1},
     {-1, 0, -2, true}, {1, 2, -1, true}, {-1, 4, 0, true}, {1, 6, 1, true}};
-inline const std::vector<PlainTerm> kPlainEven = {
+inline const std::vector<PlainTap> kPlainEven = {
     {1, 4, 0},         {-1, 6, -1},     {-1, 2, 1},      {1, 0, 2},
     {-1, 1, -1, true}, {1, 3, 0, true}, {1, 5, 1, true}, {-1, 7, 2, true}};
 
 // A line of samples: a row or a column.
 using PlainLine = std::function<_Float16(int index)>;
 
-inline _Float16 plain_sum(const std::vector<PlainTerm>& terms, int centre, const PlainLine& low,
+inline _Float16 plain_sum(const std::vector<PlainTap>& terms, int centre, const PlainLine& low,
                           const PlainLine& high) {
   PlainHalf sum = 0.0;
   for (size_t i = 0; i < terms.size(); ++i) {
-    const PlainTerm& term = terms[i];
+    const PlainTap& term = terms[i];
     const PlainHalf sample = (term.high ? high : low)(centre + term.offset);
     const PlainHalf product = sample * PlainHalf(kPlainTaps[term.tap]);
     if (i == 0) {
