@@ -1,4 +1,3 @@
-#include "core/dump.h"
 #include "core/stages.h"
 #include "platform/log.h"
 #include "platform/stage_timer.h"
@@ -44,7 +43,7 @@ int vorel_box_filter(vorel_thread* run) {
   y_low_downsample(run);
   timer.log("y_low_downsample");
   const stage_record& stage = run->box_filter_stage;
-  dump_plane(stage, "d_Y_low_", run->downsampled_y, run->width >> 4, run->aligned_height >> 4);
-  dump_plane(stage, "Y_high_", run->y_high, run->width, run->aligned_height);
+  dump_plane(stage, "d_Y_low_", {run->downsampled_y, run->width >> 4, run->aligned_height >> 4});
+  dump_plane(stage, "Y_high_", {run->y_high, run->width, run->aligned_height});
   return 0;
 }

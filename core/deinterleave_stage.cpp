@@ -1,4 +1,3 @@
-#include "core/dump.h"
 #include "core/stages.h"
 #include "platform/log.h"
 #include "platform/stage_timer.h"
@@ -29,8 +28,8 @@ int vorel_deinterleave(vorel_thread* run) {
   }
   timer.log("vorel_deinterleave");
   const stage_record& stage = run->deinterleave_stage;
-  dump_plane(stage, "d_U_", run->downsampled_u, run->width >> 4, run->aligned_height >> 4);
-  dump_plane(stage, "d_V_", run->downsampled_v, run->width >> 4, run->aligned_height >> 4);
-  dump_plane(stage, "Y_", run->y_source, run->width, luma_rows);
+  dump_plane(stage, "d_U_", {run->downsampled_u, run->width >> 4, run->aligned_height >> 4});
+  dump_plane(stage, "d_V_", {run->downsampled_v, run->width >> 4, run->aligned_height >> 4});
+  dump_plane(stage, "Y_", {run->y_source, run->width, luma_rows});
   return 0;
 }

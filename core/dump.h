@@ -1,13 +1,8 @@
-// Dumps of the pipeline's frames and planes.
+// Dumps of the pipeline's frames.
 #ifndef VOREL_CORE_DUMP_H_
 #define VOREL_CORE_DUMP_H_
 
 #include "core/handle.h"
-#include "vorel/debug.h"
-
-// Writes a dense 8-bit plane under the record's dump path when its debug level asks for planes.
-void dump_plane(const stage_record& stage, const char* prefix, const uint8_t* plane, int32_t width,
-                int32_t height);
 
 // Which of a frame's two dumps is meant.
 enum class frame_dump { kInput, kOutput };

@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/debug_levels.h"
+#include "platform/plane_dump.h"
 #include "vorel/convert.h"
 #include "vorel/filters.h"
 #include "vorel/thread_pool.h"
@@ -29,19 +31,6 @@ inline constexpr size_t kDumpPathSize = 128;
 
 // Border of the half-precision planes on each side, in samples.
 inline constexpr int kMfdBorder = 32;
-
-// Debug levels: timing lines at exactly 1, the tuning block at exactly 2, dumps from the others on.
-inline constexpr int kDebugTiming = 1;
-inline constexpr int kDebugTuning = 2;
-inline constexpr int kDebugDumpInput = 3;
-inline constexpr int kDebugDumpOutput = 4;
-inline constexpr int kDebugDumpPlanes = 5;
-
-// What a stage needs to time itself and to dump its planes.
-struct stage_record {
-  int32_t debug_mode;
-  const char* dump_path;
-};
 
 // One frame in flight: copies of the handle's fields and pointers into it. Filled by vorel_run,
 // read by the driver thread and the stages.

@@ -1,8 +1,8 @@
 #include "core/handle.h"
 #include "core/stages.h"
 #include "platform/log.h"
+#include "platform/plane_dump.h"
 #include "platform/stage_timer.h"
-#include "vorel/debug.h"
 #include "vorel/wavelet/chroma_post_process.h"
 
 namespace {
@@ -62,10 +62,7 @@ buffer describe_frame_chroma(const vorel_thread* run, uint8_t* chroma) {
 }
 
 void dump_chroma(const vorel_thread* run, const char* prefix, const uint8_t* chroma) {
-  if (run->debug_mode < kDebugDumpPlanes) return;
-  dumpImage(VOREL_IMAGE_RAW, run->dump_path, prefix, nullptr, chroma, nullptr,
-            static_cast<unsigned>(run->width), static_cast<unsigned>(run->height / 2), 1, -1, -1,
-            -1, -1);
+  dump_plane({run->debug_mode, run->dump_path}, prefix, {chroma, run->width, run->height / 2});
 }
 
 void process_chroma(vorel_thread* run, ChromaPostProcess* process) {

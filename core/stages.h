@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "core/handle.h"
+#include "vorel/export.h"
 
 // Chroma at 1/16 x 1/16.
 int vorel_deinterleave(vorel_thread* run);
@@ -19,6 +20,10 @@ int vorel_yuv(vorel_thread* run);
 
 // Filtered planes restored into the frame.
 int vorel_interleave(vorel_thread* run);
+
+// Chroma through the wavelet decomposition, into the frame. Needs running workers and the
+// half-precision planes; else it is skipped, logged. Exported. Returns 0.
+VOREL_EXPORT int MFD_UV(vorel_thread* run);
 
 // Point sampling of the top-left luma pixel of every 16 x 16 block of y_low.
 void y_low_downsample(vorel_thread* run);

@@ -1,4 +1,3 @@
-#include "core/dump.h"
 #include "core/stages.h"
 #include "platform/log.h"
 #include "platform/stage_timer.h"
@@ -24,7 +23,7 @@ void filter_chroma(const vorel_thread* run, const chroma_plane& plane) {
                    tuning->span_UV_row, tuning->span_UV_col, tuning);
   timer.log(plane.timing_name);
   timer.restart();
-  dump_plane(run->yuv_stage, plane.dump_prefix, plane.filtered, block_cols(run), block_rows(run));
+  dump_plane(run->yuv_stage, plane.dump_prefix, {plane.filtered, block_cols(run), block_rows(run)});
   upsample_job job{block_cols(run), block_rows(run), plane.filtered, plane.upsampled};
   if (is_packed_422(run->format)) {
     upsample_uv422(&job);
@@ -47,7 +46,7 @@ void* vorel_y_job(void* argument) {
                    tuning->span_Y_row, tuning->span_Y_col, tuning);
   timer.log("vorel_y");
   timer.restart();
-  dump_plane(run->yuv_stage, "f_Y_low_", run->filtered_y, block_cols(run), block_rows(run));
+  dump_plane(run->yuv_stage, "f_Y_low_", {run->filtered_y, block_cols(run), block_rows(run)});
   upsample_job job{block_cols(run), block_rows(run), run->filtered_y, run->y_low};
   upsample_y(&job);
   timer.log("upsample_y");
@@ -78,8 +77,8 @@ int vorel_yuv(vorel_thread* run) {
   const stage_record& stage = run->yuv_stage;
   const int32_t chroma_rows =
       is_packed_422(run->format) ? run->aligned_height : run->aligned_height / 2;
-  dump_plane(stage, "u_Y_low_", run->y_low, run->width, run->aligned_height);
-  dump_plane(stage, "u_U_", run->upsampled_u, run->width / 2, chroma_rows);
-  dump_plane(stage, "u_V_", run->upsampled_v, run->width / 2, chroma_rows);
+  dump_plane(stage, "u_Y_low_", {run->y_low, run->width, run->aligned_height});
+  dump_plane(stage, "u_U_", {run->upsampled_u, run->width / 2, chroma_rows});
+  dump_plane(stage, "u_V_", {run->upsampled_v, run->width / 2, chroma_rows});
   return 0;
 }

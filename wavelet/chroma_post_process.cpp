@@ -6,9 +6,9 @@
 #include <new>
 
 #include "platform/log.h"
+#include "platform/plane_dump.h"
 #include "platform/stage_timer.h"
 #include "threading/run_jobs.h"
-#include "vorel/debug.h"
 #include "vorel/wavelet/border_handler.h"
 #include "wavelet/plane_storage.h"
 
@@ -16,7 +16,6 @@ namespace {
 
 constexpr uint32_t kBorder = 32;
 constexpr int kBands = 4;
-constexpr int kDumpLevel = 5;
 constexpr _Float16 kThresholdScale = std::bit_cast<_Float16>(uint16_t{0x508D});  // 36.40625
 
 // Planes that the Haar step works on per chroma plane: seven bands and four working planes.
@@ -73,15 +72,18 @@ buffer lend_part(plane_scratch* scratch, size_t bytes) {
   return rest_of(part);
 }
 
+plane_view view_of(const buffer& plane) {
+  return {plane.data, static_cast<int32_t>(plane.width), static_cast<int32_t>(plane.height),
+          sizeof(_Float16)};
+}
+
 // Writes a half-precision plane, whole and without `margin` samples on each side.
-void dump_whole_and_cropped(const char* path, const char* prefix, const buffer& plane,
-                            uint32_t margin) {
-  dumpImage(VOREL_IMAGE_RAW, path, prefix, nullptr, plane.data, nullptr, plane.width, plane.height,
-            sizeof(_Float16), -1, -1, -1, -1);
-  dumpImage(VOREL_IMAGE_RAW, path, prefix, nullptr, plane.data, nullptr, plane.width, plane.height,
-            sizeof(_Float16), static_cast<int>(plane.width - 2 * margin),
-            static_cast<int>(plane.height - 2 * margin), static_cast<int>(margin),
-            static_cast<int>(margin));
+void dump_whole_and_cropped(const stage_record& stage, const char* prefix, const buffer& plane,
+                            int32_t margin) {
+  const plane_view view = view_of(plane);
+  dump_plane(stage, prefix, view);
+  dump_plane(stage, prefix, view,
+             {margin, margin, view.width - 2 * margin, view.height - 2 * margin});
 }
 
 }  // namespace
@@ -201,18 +203,16 @@ void ChromaPostProcess::fillPadded(buffer* in, buffer* planes) {
 }
 
 void ChromaPostProcess::dumpPadded(const char* name, const buffer* planes, bool cropped) {
-  if (debugLevel_ < kDumpLevel) return;
+  const stage_record stage{debugLevel_, dumpPath_};
   for (int i = 0; i < 2; ++i) {
     char prefix[16];
     std::snprintf(prefix, sizeof(prefix), "%s%s", name, i == 0 ? "U_" : "V_");
     if (cropped) {
-      dumpImage(VOREL_IMAGE_RAW, dumpPath_, prefix, nullptr, planes[i].data, nullptr,
-                planes[i].width, planes[i].height, sizeof(_Float16),
-                static_cast<int>(uvSize_.width), static_cast<int>(uvSize_.height), kBorder,
-                kBorder);
+      dump_plane(stage, prefix, view_of(planes[i]),
+                 {kBorder, kBorder, static_cast<int32_t>(uvSize_.width),
+                  static_cast<int32_t>(uvSize_.height)});
     } else {
-      dumpImage(VOREL_IMAGE_RAW, dumpPath_, prefix, nullptr, planes[i].data, nullptr,
-                planes[i].width, planes[i].height, sizeof(_Float16), -1, -1, -1, -1);
+      dump_plane(stage, prefix, view_of(planes[i]));
     }
   }
 }
@@ -252,18 +252,15 @@ void ChromaPostProcess::denoiseSpatial(unsigned plane, buffer* io, ThreadPool* p
   buffer* subbands = subbands_[index];
   // Plane and working planes of the transform go together, so that both planes may run at once.
   sym4_->forwardWtRun(io, subbands, uvSizeB_.width, uvSizeB_.height, plane, pool);
-  if (debugLevel_ >= kDumpLevel) {
-    for (int i = 0; i < kSubbands; ++i) {
-      char prefix[16];
-      std::snprintf(prefix, sizeof(prefix), "fW_%d_%s", i, letter);
-      dump_whole_and_cropped(dumpPath_, prefix, subbands[i], i < 4 ? 8 : 16);
-    }
+  const stage_record stage{debugLevel_, dumpPath_};
+  for (int i = 0; i < kSubbands; ++i) {
+    char prefix[16];
+    std::snprintf(prefix, sizeof(prefix), "fW_%d_%s", i, letter);
+    dump_whole_and_cropped(stage, prefix, subbands[i], i < 4 ? 8 : 16);
   }
   denoise_->denoiseChroma1And2HaarRun(subbands, &haarScratch_[index], thresholds_[index], radialA_,
                                       radialB_, pool);
-  if (debugLevel_ >= kDumpLevel) {
-    dump_whole_and_cropped(dumpPath_, plane == 1 ? "dH_U_" : "dH_V_", subbands[0], 8);
-  }
+  dump_whole_and_cropped(stage, plane == 1 ? "dH_U_" : "dH_V_", subbands[0], 8);
   sym4_->inverseWtDifferentSband0Run(&subbands[0], subbands, io, uvSizeB_.width, uvSizeB_.height,
                                      plane);
   timer.log("ChromaPostProcess::denoiseSpatial");

@@ -11,8 +11,6 @@
 #include "vorel/wavelet/denoise.h"
 #include "vorel/wavelet/sym4_transform.h"
 
-struct vorel_thread;
-
 /// Columns and rows.
 struct wavelet_size {
   uint32_t width;
@@ -80,9 +78,6 @@ class VOREL_EXPORT ChromaPostProcess {
   char* dumpPath_;
   ThreadPool* pools_[3];
 };
-
-/// The wavelet stage of a frame; `run` is the pipeline's record of it. Returns 0.
-VOREL_EXPORT int MFD_UV(vorel_thread* run);
 
 /// Job record of `runCopyAndPadFunc`.
 struct copy_and_pad_job {
