@@ -5,7 +5,7 @@
 #     host      the tests on this machine
 #     format    layout as .clang-format has it
 #     includes  direction of the includes; public headers compile alone
-#     exports   exported names and how the library is linked
+#     exports   exported names, whose symbols a folder uses, how the library is linked
 #     abi       binary interface against the recorded one
 #     android   Android.bp against the CMake lists; library and tests as Android compiles them
 #     install   an installed copy works for programs in C and C++
@@ -64,6 +64,7 @@ check_includes() { scripts/check_includes.py; }
 check_exports() {
   configure_and_build host --target vorel vorel_static
   scripts/exports.sh check build/host
+  scripts/check_symbols.py build/host
   scripts/check_elf.sh build/host
 }
 
