@@ -39,31 +39,32 @@ template <typename Kernel>
 void register_restore(const std::string& name, const interleaving_tuning& tuning, Kernel kernel) {
   register_for_frames("kernel/" + name, [=](benchmark::State& state, const FrameSize& size) {
     RestorePlanes planes(size);
+    interleaving_tuning own = tuning;
     for (auto _ : state) {
-      kernel(planes, size, &tuning);
+      kernel(planes, size, &own);
       benchmark::ClobberMemory();
     }
   });
 }
 
-void restore_yuv420(RestorePlanes& p, const FrameSize& size, const interleaving_tuning* tuning) {
+void restore_yuv420(RestorePlanes& p, const FrameSize& size, interleaving_tuning* tuning) {
   restore_interleave_yuv420_neon(p.y.data(), p.uv.data(), p.low.data(), p.high.data(), p.u.data(),
                                  p.v.data(), size.width, size.height, p.y.data(), p.uv.data(),
                                  tuning);
 }
 
-void restore_mfd(RestorePlanes& p, const FrameSize& size, const interleaving_tuning* tuning) {
+void restore_mfd(RestorePlanes& p, const FrameSize& size, interleaving_tuning* tuning) {
   restore_interleave_yuv420_mfd_uv_neon(p.y.data(), p.uv.data(), p.low.data(), p.high.data(),
                                         p.u.data(), p.v.data(), size.width, size.height, p.y.data(),
                                         p.mfd_u.data(), p.mfd_v.data(), p.mfd_width, tuning);
 }
 
-void restore_uv420(RestorePlanes& p, const FrameSize& size, const interleaving_tuning* tuning) {
+void restore_uv420(RestorePlanes& p, const FrameSize& size, interleaving_tuning* tuning) {
   restore_interleave_uv420_neon(nullptr, p.uv.data(), nullptr, nullptr, p.u.data(), p.v.data(),
                                 size.width, size.height, p.uv.data(), tuning);
 }
 
-void restore_yuv422(RestorePlanes& p, const FrameSize& size, const interleaving_tuning* tuning) {
+void restore_yuv422(RestorePlanes& p, const FrameSize& size, interleaving_tuning* tuning) {
   restore_interleave_yuv422_neon(p.packed.data(), p.low.data(), p.high.data(), p.packed_u.data(),
                                  p.packed_v.data(), size.width, size.height, tuning);
 }

@@ -29,8 +29,8 @@ constexpr bilateralfiltering_tuning threshold_tuning(int32_t threshold) {
 }
 
 // The interior function on all of the plane.
-void filter_interior(const uint8_t* src, uint8_t* dst, int32_t height, int32_t width,
-                     int32_t span_row, int32_t span_col, const bilateralfiltering_tuning* tuning) {
+void filter_interior(uint8_t* src, uint8_t* dst, int32_t height, int32_t width, int32_t span_row,
+                     int32_t span_col, bilateralfiltering_tuning* tuning) {
   bilateral_filter_center_neon(src, dst, height, width, 0, 0, 0, 0, span_row, span_col, tuning);
 }
 
@@ -64,10 +64,11 @@ void register_bilateral(const std::string& name, BilateralFilter* filter,
   register_for_frames("kernel/" + name, [=](benchmark::State& state, const FrameSize& size) {
     const int height = (size.height + 15) / 16;
     const int width = size.width / 16;
-    const std::vector<uint8_t> src = make_bench_plane(static_cast<size_t>(height * width), 2);
+    bilateralfiltering_tuning own = tuning;
+    std::vector<uint8_t> src = make_bench_plane(static_cast<size_t>(height * width), 2);
     std::vector<uint8_t> dst(src.size());
     for (auto _ : state) {
-      filter(src.data(), dst.data(), height, width, tuning.span_Y_row, tuning.span_Y_col, &tuning);
+      filter(src.data(), dst.data(), height, width, tuning.span_Y_row, tuning.span_Y_col, &own);
       benchmark::ClobberMemory();
     }
   });

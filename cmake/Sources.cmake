@@ -44,15 +44,17 @@ set(VOREL_CORE_SOURCES
 set(VOREL_CORE_KERNEL_SOURCES
   core/mfd_uv_stage.cpp)
 set(VOREL_FILTERS_SOURCES
-  filters/bilateral_filter.cpp
+  filters/bilateral_area.cpp
   filters/bilateral_tile.cpp
   filters/bilateral_weights.cpp
   filters/box_filter.cpp
+  filters/doors.cpp
   filters/plane_tile.cpp
   filters/range_weights.cpp
   filters/window_taps.cpp)
 set(VOREL_CONVERT_SOURCES
   convert/deinterleave.cpp
+  convert/doors.cpp
   convert/restore_packed.cpp
   convert/restore_planar.cpp
   convert/restore_rows.cpp

@@ -1,7 +1,17 @@
 #include "core/stages.h"
+#include "filters/box_filter.h"
 #include "platform/log.h"
 #include "platform/stage_timer.h"
 #include "threading/run_jobs.h"
+
+namespace {
+
+void* filter_strip_job(void* job) {
+  filter_strip(box_strip(*static_cast<const box_filter_job*>(job)));
+  return nullptr;
+}
+
+}  // namespace
 
 void fill_box_filter_jobs(vorel_thread* run) {
   const int32_t strip = run->height / kBoxFilterJobs;
@@ -36,7 +46,7 @@ int vorel_box_filter(vorel_thread* run) {
   VOREL_LOGI("vorel_box_filter");
   fill_box_filter_jobs(run);
   if (first_pool_ready(run)) {
-    run_jobs(run->pool[0], box_filter_col, run->box_jobs, kBoxFilterJobs);
+    run_jobs(run->pool[0], filter_strip_job, run->box_jobs, kBoxFilterJobs);
   }
   timer.log("vorel_box_filter");
   timer.restart();

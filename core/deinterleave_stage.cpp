@@ -1,3 +1,4 @@
+#include "convert/deinterleave.h"
 #include "core/stages.h"
 #include "platform/log.h"
 #include "platform/stage_timer.h"
@@ -16,11 +17,11 @@ int vorel_deinterleave(vorel_thread* run) {
     job.y = run->y_source;
     job.y_in = run->in_address_1;
     job.uv_in = run->in_address_2;
-    deinterleave_yuv420_uv_downsample(&job);
+    deinterleave_planar(job);
   } else if (is_packed_422(run->format)) {
     job.y = run->y_source;
     job.packed_in = run->in_address_1;
-    deinterleave_yuv422_uv_downsample(&job);
+    deinterleave_packed(job);
     luma_rows = run->aligned_height;
   } else {
     VOREL_LOGE("vorel_run, Not supported format");

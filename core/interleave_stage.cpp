@@ -1,3 +1,4 @@
+#include "convert/restore_strip.h"
 #include "core/frame_guard.h"
 #include "core/stages.h"
 #include "platform/log.h"
@@ -60,11 +61,11 @@ void fill_interleave_jobs(vorel_thread* run) {
 }
 
 void* vorel_interleave_thread_func(void* argument) {
-  const auto* job = static_cast<interleave_job*>(argument);
-  if (is_packed_422(job->format)) {
-    restore_interleave_yuv422(argument);
-  } else if (is_planar_420(job->format)) {
-    restore_interleave_yuv420(argument);
+  const auto& job = *static_cast<const interleave_job*>(argument);
+  if (is_packed_422(job.format)) {
+    restore_packed_strip(job);
+  } else if (is_planar_420(job.format)) {
+    restore_planar_strip(job);
   } else {
     VOREL_LOGE("vorel_interleave_thread_func, Not supported format");
   }

@@ -1,6 +1,7 @@
 #include "core/tuning_parameter.h"
 
 #include "core/handle.h"
+#include "filters/bilateral_weights.h"
 #include "platform/log.h"
 #include "tuning/tuning.h"
 
@@ -19,7 +20,7 @@ void get_tuning_parameter(vorel* handle, int sensorId) {
   } else {
     VOREL_LOGI("SetCurrentSensorInfo(sensorId: %d) failed", sensorId);
   }
-  update_bilateral_filter_tuning(&tuning->bilateralfiltering_tuning);
+  build_stored_weights(&tuning->bilateralfiltering_tuning);
   if (handle->debug_mode == kDebugTuning) log_tuning(tuning);
 }
 

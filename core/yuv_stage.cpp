@@ -1,4 +1,6 @@
+#include "convert/upsample.h"
 #include "core/stages.h"
+#include "filters/bilateral_area.h"
 #include "platform/log.h"
 #include "platform/stage_timer.h"
 
@@ -19,16 +21,16 @@ struct chroma_plane {
 void filter_chroma(const vorel_thread* run, const chroma_plane& plane) {
   StageTimer timer(run->debug_mode);
   const struct bilateralfiltering_tuning* tuning = &run->tuning->bilateralfiltering_tuning;
-  bilateral_filter(plane.downsampled, plane.filtered, block_rows(run), block_cols(run),
-                   tuning->span_UV_row, tuning->span_UV_col, tuning);
+  filter_plane({plane.downsampled, plane.filtered, block_rows(run), block_cols(run),
+                tuning->span_UV_row, tuning->span_UV_col, tuning});
   timer.log(plane.timing_name);
   timer.restart();
   dump_plane(run->yuv_stage, plane.dump_prefix, {plane.filtered, block_cols(run), block_rows(run)});
-  upsample_job job{block_cols(run), block_rows(run), plane.filtered, plane.upsampled};
+  const upsample_job job{block_cols(run), block_rows(run), plane.filtered, plane.upsampled};
   if (is_packed_422(run->format)) {
-    upsample_uv422(&job);
+    upsample_plane(job, Upsampling::k8x16);
   } else if (is_planar_420(run->format)) {
-    upsample_uv420(&job);
+    upsample_plane(job, Upsampling::k8x8);
   } else {
     VOREL_LOGE("%s, Not supported format", plane.timing_name);
     return;
@@ -42,13 +44,13 @@ void* vorel_y_job(void* argument) {
   const auto* run = static_cast<const vorel_thread*>(argument);
   StageTimer timer(run->debug_mode);
   const struct bilateralfiltering_tuning* tuning = &run->tuning->bilateralfiltering_tuning;
-  bilateral_filter(run->downsampled_y, run->filtered_y, block_rows(run), block_cols(run),
-                   tuning->span_Y_row, tuning->span_Y_col, tuning);
+  filter_plane({run->downsampled_y, run->filtered_y, block_rows(run), block_cols(run),
+                tuning->span_Y_row, tuning->span_Y_col, tuning});
   timer.log("vorel_y");
   timer.restart();
   dump_plane(run->yuv_stage, "f_Y_low_", {run->filtered_y, block_cols(run), block_rows(run)});
-  upsample_job job{block_cols(run), block_rows(run), run->filtered_y, run->y_low};
-  upsample_y(&job);
+  const upsample_job job{block_cols(run), block_rows(run), run->filtered_y, run->y_low};
+  upsample_plane(job, Upsampling::k16x16);
   timer.log("upsample_y");
   return nullptr;
 }

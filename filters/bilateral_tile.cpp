@@ -111,18 +111,21 @@ void reset_sums(int32_t rows, TileSums* sums) {
 
 }  // namespace
 
-void filter_tile(const SourcePlane& plane, uint8_t* dst, const TileArea& area, const Spans& spans,
-                 const RangeWeights& weights, TileWorkspace* work) {
+void filter_tile(const BilateralPlane& plane, const TileArea& area, const RangeWeights& weights,
+                 TileWorkspace* work) {
+  const SourcePlane source{plane.src, plane.height, plane.width};
   reset_sums(area.rows, &work->sums);
-  fill_tile(plane, area.row, area.col, area.rows, area.cols, &work->centre);
+  fill_tile(source, area, &work->centre);
 
-  for (int32_t part_row = -spans.row; part_row <= spans.row; part_row += kPartSize) {
-    for (int32_t part_col = -spans.col; part_col <= spans.col; part_col += kPartSize) {
-      const WindowPart part = {part_row, std::min(part_row + kPartSize, spans.row + 1), part_col,
-                               std::min(part_col + kPartSize, spans.col + 1)};
+  for (int32_t part_row = -plane.span_row; part_row <= plane.span_row; part_row += kPartSize) {
+    for (int32_t part_col = -plane.span_col; part_col <= plane.span_col; part_col += kPartSize) {
+      const WindowPart part = {part_row, std::min(part_row + kPartSize, plane.span_row + 1),
+                               part_col, std::min(part_col + kPartSize, plane.span_col + 1)};
       if (part != work->taps.part) list_taps(part, kTilePitch, &work->taps);
-      fill_tile(plane, area.row + part.row_first, area.col + part.col_first,
-                area.rows + part.rows() - 1, area.cols + part.cols() - 1, &work->window);
+      fill_tile(source,
+                {area.row + part.row_first, area.col + part.col_first, area.rows + part.rows() - 1,
+                 area.cols + part.cols() - 1},
+                &work->window);
       if (weights.polynomial != nullptr) {
         add_polynomial(*work, *weights.polynomial, area.rows, &work->sums);
       }
@@ -133,6 +136,6 @@ void filter_tile(const SourcePlane& plane, uint8_t* dst, const TileArea& area, c
   }
   for (int32_t y = 0; y < area.rows; ++y) {
     store_row(work->sums.value[y], work->sums.weight[y], area.cols,
-              dst + static_cast<ptrdiff_t>(area.row + y) * plane.width + area.col);
+              plane.dst + static_cast<ptrdiff_t>(area.row + y) * plane.width + area.col);
   }
 }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "filters/bilateral_area.h"
 #include "filters/plane_tile.h"
 #include "filters/range_weights.h"
 #include "filters/window_taps.h"
@@ -23,21 +24,8 @@ struct TileWorkspace {
   WindowTaps taps;
 };
 
-// Half extents of the window, both at least 0 and below 2^30.
-struct Spans {
-  int32_t row;
-  int32_t col;
-};
-
-struct TileArea {
-  int32_t row;
-  int32_t col;
-  int32_t rows;  // at most kTileRows
-  int32_t cols;  // at most kLanes
-};
-
-// Filters the samples of `area` to the same place of `dst`, which has the plane's size.
-void filter_tile(const SourcePlane& plane, uint8_t* dst, const TileArea& area, const Spans& spans,
-                 const RangeWeights& weights, TileWorkspace* work);
+// Filters the samples of `area`. The plane's spans are at least 0 and below 2^30.
+void filter_tile(const BilateralPlane& plane, const TileArea& area, const RangeWeights& weights,
+                 TileWorkspace* work);
 
 #endif  // VOREL_FILTERS_BILATERAL_TILE_H_

@@ -1,9 +1,10 @@
+#include "filters/bilateral_weights.h"
+
 #include "filters/range_weights.h"
 #include "platform/log.h"
 #include "platform/numeric.h"
-#include "vorel/filters.h"
 
-void update_bilateral_filter_tuning(bilateralfiltering_tuning* tuning) {
+void build_stored_weights(bilateralfiltering_tuning* tuning) {
   if (tuning->val_delta_th >= 16) {
     VOREL_LOGI("update_bilateral_filter_tuning: optimized version isn't supported. %d",
                tuning->val_delta_th);

@@ -1,9 +1,8 @@
+#include "filters/box_filter.h"
+
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
 
 #include "platform/vectorize.h"
-#include "vorel/filters.h"
 
 namespace {
 
@@ -60,19 +59,9 @@ constexpr decltype(&filter_row<0>) kRowFilters[kMaxTabBit + 1] = {
     filter_row<0>, filter_row<1>, filter_row<2>, filter_row<3>,
     filter_row<4>, filter_row<5>, filter_row<6>, filter_row<7>};
 
-struct Strip {
-  const uint8_t* src;
-  uint8_t* low;
-  uint8_t* high;
-  ptrdiff_t pitch;
-  ptrdiff_t row_limit;
-  ptrdiff_t row_first;
-  ptrdiff_t row_end;
-};
-
 // Row of the plane that stands for `row`. The mirrors are the strip's first and last row, not the
 // plane's: a short strip's image can lie outside the plane too and is then mirrored again.
-ptrdiff_t mirror_row(const Strip& strip, ptrdiff_t row) {
+ptrdiff_t mirror_row(const BoxStrip& strip, ptrdiff_t row) {
   const ptrdiff_t last = strip.row_end - 1;
   // Two mirrors in one place would swap the same two rows outside for ever.
   const bool one_mirror = strip.row_first == last;
@@ -84,9 +73,9 @@ ptrdiff_t mirror_row(const Strip& strip, ptrdiff_t row) {
   return row;
 }
 
-void filter_block(const Strip& strip, int32_t tab_bit, ptrdiff_t first_column, ptrdiff_t columns) {
-  const ptrdiff_t radius = box_radius(tab_bit);
-  const auto filter = kRowFilters[tab_bit];
+void filter_block(const BoxStrip& strip, ptrdiff_t first_column, ptrdiff_t columns) {
+  const ptrdiff_t radius = box_radius(strip.tab_bit);
+  const auto filter = kRowFilters[strip.tab_bit];
   const auto source_row = [&](ptrdiff_t row) {
     return strip.src + mirror_row(strip, row) * strip.pitch + first_column;
   };
@@ -103,37 +92,18 @@ void filter_block(const Strip& strip, int32_t tab_bit, ptrdiff_t first_column, p
   }
 }
 
-// Filters columns [0, columns) in blocks of nearly equal width: a narrow rest would cost as many
-// cache lines per row as a wide one.
-void filter_strip(const Strip& strip, ptrdiff_t columns, const boxfiltering_tuning& tuning) {
-  if (strip.row_first >= strip.row_end || columns <= 0) return;
-  const int32_t tab_bit = std::clamp(tuning.tab_bit, 0, kMaxTabBit);
-  const ptrdiff_t blocks = (columns + kBlockColumns - 1) / kBlockColumns;
-  const ptrdiff_t block_columns = ((columns + blocks - 1) / blocks + 63) / 64 * 64;
-  for (ptrdiff_t first = 0; first < columns; first += block_columns) {
-    filter_block(strip, tab_bit, first, std::min(block_columns, columns - first));
-  }
-}
-
-// Rows outside [0, row_limit) do not belong to the plane and are left alone.
-Strip make_strip(const uint8_t* src, uint8_t* low, uint8_t* high, int32_t width, int32_t row_limit,
-                 int32_t row_first, int32_t row_end) {
-  return {src, low, high, width, row_limit, std::max(row_first, 0), std::min(row_end, row_limit)};
-}
-
 }  // namespace
 
-void* box_filter_col(void* job) {
-  const box_filter_job& strip_job = *static_cast<const box_filter_job*>(job);
-  filter_strip(make_strip(strip_job.src, strip_job.low, strip_job.high, strip_job.width,
-                          strip_job.row_limit, strip_job.row_first, strip_job.row_end),
-               strip_job.width, *strip_job.tuning);
-  return nullptr;
-}
-
-void box_filter_col_neon(const uint8_t* src, uint8_t* low, uint8_t* high, int32_t width,
-                         int32_t /*height*/, int32_t /*flags*/, int32_t row_limit,
-                         int32_t row_first, int32_t row_end, const boxfiltering_tuning* tuning) {
-  filter_strip(make_strip(src, low, high, width, row_limit, row_first, row_end), width / 8 * 8,
-               *tuning);
+void filter_strip(BoxStrip strip) {
+  strip.row_first = std::max<ptrdiff_t>(strip.row_first, 0);
+  strip.row_end = std::min(strip.row_end, strip.row_limit);
+  strip.tab_bit = std::clamp(strip.tab_bit, 0, kMaxTabBit);
+  if (strip.row_first >= strip.row_end || strip.columns <= 0) return;
+  // Blocks of nearly equal width: a narrow rest would cost as many cache lines per row as a wide
+  // one.
+  const ptrdiff_t blocks = (strip.columns + kBlockColumns - 1) / kBlockColumns;
+  const ptrdiff_t block_columns = ((strip.columns + blocks - 1) / blocks + 63) / 64 * 64;
+  for (ptrdiff_t first = 0; first < strip.columns; first += block_columns) {
+    filter_block(strip, first, std::min(block_columns, strip.columns - first));
+  }
 }

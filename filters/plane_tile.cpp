@@ -31,10 +31,10 @@ void fill_row(const uint8_t* src, ptrdiff_t width, ptrdiff_t col, ptrdiff_t cols
 
 }  // namespace
 
-void fill_tile(const SourcePlane& plane, int32_t row, int32_t col, int32_t rows, int32_t cols,
-               PlaneTile* tile) {
-  for (int32_t y = 0; y < rows; ++y) {
-    const ptrdiff_t source_row = mirror_index(static_cast<ptrdiff_t>(row) + y, plane.height);
-    fill_row(plane.samples + source_row * plane.width, plane.width, col, cols, tile->rows[y]);
+void fill_tile(const SourcePlane& plane, const TileArea& area, PlaneTile* tile) {
+  for (int32_t y = 0; y < area.rows; ++y) {
+    const ptrdiff_t source_row = mirror_index(static_cast<ptrdiff_t>(area.row) + y, plane.height);
+    fill_row(plane.samples + source_row * plane.width, plane.width, area.col, area.cols,
+             tile->rows[y]);
   }
 }

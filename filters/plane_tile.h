@@ -23,10 +23,17 @@ struct PlaneTile {
   alignas(64) uint8_t rows[kTileRows + kPartSize - 1][kTilePitch];
 };
 
-// Copies `rows` x `cols` samples from (row, col) on, which may lie outside the plane: outside its
-// edges the plane is mirrored, the edge itself not repeated, until the index is inside. With one
-// row or column every index is 0. Bytes behind the columns may be overwritten.
-void fill_tile(const SourcePlane& plane, int32_t row, int32_t col, int32_t rows, int32_t cols,
-               PlaneTile* tile);
+// `rows` x `cols` samples from (row, col) on. A filtered tile has at most kTileRows x kLanes.
+struct TileArea {
+  int32_t row;
+  int32_t col;
+  int32_t rows;
+  int32_t cols;
+};
+
+// Copies an area that may lie outside the plane: outside its edges the plane is mirrored, the edge
+// itself not repeated, until the index is inside. With one row or column every index is 0. Bytes
+// behind the columns may be overwritten.
+void fill_tile(const SourcePlane& plane, const TileArea& area, PlaneTile* tile);
 
 #endif  // VOREL_FILTERS_PLANE_TILE_H_

@@ -4,6 +4,10 @@
 // 4:2:0 chroma planes hold `width` bytes per row and height / 2 rows, as byte pairs; the first byte
 // of each pair belongs to the plane called u, the second to v (V and U in colour terms for NV21).
 // Packed 4:2:2 frames hold 2 * `width` bytes per row as Y0 U Y1 V.
+//
+// Each function says first whether a frame goes this way ("Frame:") or it is there for programs
+// that call it ("Callers:"). Planes that a function only reads are not const in its type, so that
+// its link name stays; they are not written.
 #ifndef VOREL_CONVERT_H_
 #define VOREL_CONVERT_H_
 
@@ -25,29 +29,28 @@ struct deinterleave_job {
   const uint8_t* packed_in;  // packed 4:2:2 frame
 };
 
-/// 4:2:0: stores the top-left chroma pair of every 16 x 16 luma block. A partial block row at the
-/// bottom gives one more row (taken from the last chroma row where the plane has no row of its
-/// own); a partial block column gives nothing. `job` is a `deinterleave_job`. Returns null.
+/// Frame, 4:2:0: stores the top-left chroma pair of every 16 x 16 luma block. A partial block row
+/// at the bottom gives one more row (taken from the last chroma row where the plane has no row of
+/// its own); a partial block column gives nothing. `job` is a `deinterleave_job`. Returns null.
 VOREL_EXPORT void* deinterleave_yuv420_uv_downsample(void* job);
 
-/// Packed 4:2:2: the same, and copies the luma of the first (width & ~15) columns; rows from
-/// `height` to the next multiple of 16 repeat the last row.
+/// Callers: the same for packed 4:2:2, and copies the luma of the first (width & ~15) columns; rows
+/// from `height` to the next multiple of 16 repeat the last row.
 VOREL_EXPORT void* deinterleave_yuv422_uv_downsample(void* job);
 
-/// Whole blocks of a packed frame: luma copy and chroma samples of `rows` x `cols` luma pixels
-/// (multiples of 16). Returns 0.
+/// Callers: whole blocks of a packed frame, luma copy and chroma samples of `rows` x `cols` luma
+/// pixels (multiples of 16). Returns 0.
 VOREL_EXPORT int deinterleave_yuv422_uv_downsample_neon(uint8_t* y, uint8_t* u, uint8_t* v,
-                                                        const uint8_t* packed_in, int32_t width,
+                                                        uint8_t* packed_in, int32_t width,
                                                         int32_t rows, int32_t cols);
 
-/// Whole blocks of a 4:2:0 chroma plane. Returns 0.
-VOREL_EXPORT int deinterleave_yuv420_uv_downsample_neon(uint8_t* u, uint8_t* v,
-                                                        const uint8_t* uv_in, int32_t cols,
-                                                        int32_t rows, int32_t width);
+/// Callers: whole blocks of a 4:2:0 chroma plane. Returns 0.
+VOREL_EXPORT int deinterleave_yuv420_uv_downsample_neon(uint8_t* u, uint8_t* v, uint8_t* uv_in,
+                                                        int32_t cols, int32_t rows, int32_t width);
 
-/// Whole blocks of a packed frame, chroma only; `y` is ignored. Returns 0.
+/// Callers: whole blocks of a packed frame, chroma only; `y` is ignored. Returns 0.
 VOREL_EXPORT int deinterleave_uv422_uv_downsample_neon(uint8_t* y, uint8_t* u, uint8_t* v,
-                                                       const uint8_t* packed_in, int32_t width,
+                                                       uint8_t* packed_in, int32_t width,
                                                        int32_t rows, int32_t cols);
 
 /// One plane to upsample: `rows` x `cols` samples, dense, to a dense plane of the factor's size.
@@ -58,26 +61,27 @@ struct upsample_job {
   uint8_t* dst;
 };
 
-/// Luma: 16 x 16 outputs per sample. `job` is an `upsample_job`. Returns null.
+/// Frame: luma, 16 x 16 outputs per sample. `job` is an `upsample_job`. Returns null.
 /// In every upsampling output (V r, H c) equals sample (r, c), values between are the floor of the
 /// bilinear value, and the last row and column are continued flat.
 VOREL_EXPORT void* upsample_y(void* job);
-/// 4:2:0 chroma: 8 across x 8 down.
+/// Frame: 4:2:0 chroma, 8 across x 8 down.
 VOREL_EXPORT void* upsample_uv420(void* job);
-/// 4:2:2 chroma: 8 across x 16 down.
+/// Callers: 4:2:2 chroma, 8 across x 16 down.
 VOREL_EXPORT void* upsample_uv422(void* job);
 
-/// Kernels behind the jobs. The chroma forms cover the first `n` source columns, n even. Return 0.
-VOREL_EXPORT int upsample_y_neon(uint8_t* dst, const uint8_t* src, int32_t cols, int32_t rows);
-VOREL_EXPORT int upsample_uv420_neon(uint8_t* dst, const uint8_t* src, int32_t cols, int32_t rows,
+/// Callers: upsampling without a record. The chroma forms cover the first `n` source columns, n
+/// even. Return 0.
+VOREL_EXPORT int upsample_y_neon(uint8_t* dst, uint8_t* src, int32_t cols, int32_t rows);
+VOREL_EXPORT int upsample_uv420_neon(uint8_t* dst, uint8_t* src, int32_t cols, int32_t rows,
                                      int32_t n);
-VOREL_EXPORT int upsample_uv_neon(uint8_t* dst, const uint8_t* src, int32_t cols, int32_t rows,
+VOREL_EXPORT int upsample_uv_neon(uint8_t* dst, uint8_t* src, int32_t cols, int32_t rows,
                                   int32_t n);
 
-/// Sample-by-sample references of the 16 x 16 and the 8 x 16 rule. Kept: the order of the first two
+/// Callers: the 16 x 16 and the 8 x 16 rule. Kept: the order of the first two
 /// arguments differs between them. Return 0.
-VOREL_EXPORT int y_upsample(uint8_t* dst, const uint8_t* src, int32_t rows, int32_t cols);
-VOREL_EXPORT int uv_upsample(const uint8_t* src, uint8_t* dst, int32_t rows, int32_t cols);
+VOREL_EXPORT int y_upsample(uint8_t* dst, uint8_t* src, int32_t rows, int32_t cols);
+VOREL_EXPORT int uv_upsample(uint8_t* src, uint8_t* dst, int32_t rows, int32_t cols);
 
 /// One strip of the restore step; every plane pointer is at the strip's first row.
 struct interleave_job {
@@ -92,7 +96,7 @@ struct interleave_job {
   const uint8_t* y_in;
   const uint8_t* uv_in;
   uint8_t* packed;
-  uint8_t* y_out;   // may equal y_in
+  uint8_t* y_out;   // may equal y_in; null: no luma
   uint8_t* uv_out;  // may equal uv_in; null: chroma goes to mfd_u and mfd_v instead
   _Float16* mfd_u;  // `mfd_width` samples per row
   _Float16* mfd_v;
@@ -101,47 +105,43 @@ struct interleave_job {
   const struct interleaving_tuning* tuning;
 };
 
-/// Job functions; `job` is an `interleave_job`. Return null.
+/// Frame: job function, restores a 4:2:0 strip; `job` is an `interleave_job`. Returns null.
 VOREL_EXPORT void* restore_interleave_yuv420(void* job);
+/// Callers: the same for a packed strip.
 VOREL_EXPORT void* restore_interleave_yuv422(void* job);
 
-/// Blends rebuilt luma (y_low + y_high - 128) and upsampled chroma into the frame.
+/// Callers: blends rebuilt luma (y_low + y_high - 128) and upsampled chroma into the frame.
 /// Writes nothing when d_Y_upper_thresh or d_UV_thresh is 0 or `rows` is below 1. Covers rows / 2
 /// chroma rows: the half row of an odd last luma row is left alone. Outputs may be the inputs.
-VOREL_EXPORT void restore_interleave_yuv420_neon(const uint8_t* y_in, const uint8_t* uv_in,
-                                                 const uint8_t* y_low, const uint8_t* y_high,
-                                                 const uint8_t* upsampled_u,
-                                                 const uint8_t* upsampled_v, int32_t width,
-                                                 int32_t rows, uint8_t* y_out, uint8_t* uv_out,
-                                                 const struct interleaving_tuning* tuning);
+VOREL_EXPORT void restore_interleave_yuv420_neon(uint8_t* y_in, uint8_t* uv_in, uint8_t* y_low,
+                                                 uint8_t* y_high, uint8_t* upsampled_u,
+                                                 uint8_t* upsampled_v, int32_t width, int32_t rows,
+                                                 uint8_t* y_out, uint8_t* uv_out,
+                                                 struct interleaving_tuning* tuning);
 
-/// The same, but chroma goes to two half-precision planes as values 0..255.
+/// Callers: the same, but chroma goes to two half-precision planes as values 0..255.
 VOREL_EXPORT void restore_interleave_yuv420_mfd_uv_neon(
-    const uint8_t* y_in, const uint8_t* uv_in, const uint8_t* y_low, const uint8_t* y_high,
-    const uint8_t* upsampled_u, const uint8_t* upsampled_v, int32_t width, int32_t rows,
-    uint8_t* y_out, _Float16* mfd_u, _Float16* mfd_v, int32_t mfd_width,
-    const struct interleaving_tuning* tuning);
+    uint8_t* y_in, uint8_t* uv_in, uint8_t* y_low, uint8_t* y_high, uint8_t* upsampled_u,
+    uint8_t* upsampled_v, int32_t width, int32_t rows, uint8_t* y_out, _Float16* mfd_u,
+    _Float16* mfd_v, int32_t mfd_width, struct interleaving_tuning* tuning);
 
-/// Chroma only; the first, third and fourth argument are ignored and may be null.
-VOREL_EXPORT void restore_interleave_uv420_neon(const uint8_t* y_in, const uint8_t* uv_in,
-                                                const uint8_t* y_low, const uint8_t* y_high,
-                                                const uint8_t* upsampled_u,
-                                                const uint8_t* upsampled_v, int32_t width,
-                                                int32_t rows, uint8_t* uv_out,
-                                                const struct interleaving_tuning* tuning);
+/// Callers: chroma only; the first, third and fourth argument are ignored and may be null.
+VOREL_EXPORT void restore_interleave_uv420_neon(uint8_t* y_in, uint8_t* uv_in, uint8_t* y_low,
+                                                uint8_t* y_high, uint8_t* upsampled_u,
+                                                uint8_t* upsampled_v, int32_t width, int32_t rows,
+                                                uint8_t* uv_out,
+                                                struct interleaving_tuning* tuning);
 
-/// Packed 4:2:2, in place: every row carries width / 2 chroma pairs.
-VOREL_EXPORT void restore_interleave_yuv422_neon(uint8_t* packed, const uint8_t* y_low,
-                                                 const uint8_t* y_high, const uint8_t* upsampled_u,
-                                                 const uint8_t* upsampled_v, int32_t width,
-                                                 int32_t rows,
-                                                 const struct interleaving_tuning* tuning);
+/// Callers: packed 4:2:2, in place: every row carries width / 2 chroma pairs.
+VOREL_EXPORT void restore_interleave_yuv422_neon(uint8_t* packed, uint8_t* y_low, uint8_t* y_high,
+                                                 uint8_t* upsampled_u, uint8_t* upsampled_v,
+                                                 int32_t width, int32_t rows,
+                                                 struct interleaving_tuning* tuning);
 
-/// Packed 4:2:2, chroma only; y_low and y_high are ignored and may be null.
-VOREL_EXPORT void restore_interleave_uv422_neon(uint8_t* packed, const uint8_t* y_low,
-                                                const uint8_t* y_high, const uint8_t* upsampled_u,
-                                                const uint8_t* upsampled_v, int32_t width,
-                                                int32_t rows,
-                                                const struct interleaving_tuning* tuning);
+/// Callers: packed 4:2:2, chroma only; y_low and y_high are ignored and may be null.
+VOREL_EXPORT void restore_interleave_uv422_neon(uint8_t* packed, uint8_t* y_low, uint8_t* y_high,
+                                                uint8_t* upsampled_u, uint8_t* upsampled_v,
+                                                int32_t width, int32_t rows,
+                                                struct interleaving_tuning* tuning);
 
 #endif  // VOREL_CONVERT_H_

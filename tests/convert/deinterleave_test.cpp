@@ -23,9 +23,8 @@ TEST_P(Deinterleave, SamplesBlocksAndCopiesPackedLuma) {
   for (const Size size : kSizes) {
     SCOPED_TRACE(std::to_string(size.width) + "x" + std::to_string(size.height));
     const int pitch = size.width / 2 * 2;
-    const Guarded uv(make_bytes(pitch * (size.height / 2), Pattern::kRandom, random), GetParam());
-    const Guarded packed(make_bytes(2 * size.width * size.height, Pattern::kRandom, random),
-                         GetParam());
+    Guarded uv(make_bytes(pitch * (size.height / 2), Pattern::kRandom, random), GetParam());
+    Guarded packed(make_bytes(2 * size.width * size.height, Pattern::kRandom, random), GetParam());
     Bytes u, v, packed_u, packed_v;
     for (int row = 0; row < size.block_rows(); ++row) {
       const int chroma_row = std::min(8 * row, size.height / 2 - 1);
@@ -73,8 +72,8 @@ INSTANTIATE_TEST_SUITE_P(Guards, Deinterleave, testing::Values(Guard::kEnd, Guar
 TEST(DeinterleaveKernels, CoverTheAreaTheyAreGiven) {
   // 3 x 2 blocks of a frame 4 blocks wide; the rest stays.
   std::mt19937 random(4);
-  const Bytes uv = make_bytes(64 * 24, Pattern::kRandom, random);
-  const Bytes packed = make_bytes(128 * 48, Pattern::kRandom, random);
+  Bytes uv = make_bytes(64 * 24, Pattern::kRandom, random);
+  Bytes packed = make_bytes(128 * 48, Pattern::kRandom, random);
   Bytes u(12, kUntouched), v(12, kUntouched);
   deinterleave_yuv420_uv_downsample_neon(u.data(), v.data(), uv.data(), 48, 32, 64);
   EXPECT_EQ(u[6], uv[8 * 64 + 32]);

@@ -101,12 +101,12 @@ class Restore : public testing::TestWithParam<Thresholds> {
   Guarded make_guarded(int bytes) { return Guarded(make_plane(bytes), guard_); }
 
   void check_planar(int width, int rows) {
-    const interleaving_tuning tuning = GetParam().tuning();
+    interleaving_tuning tuning = GetParam().tuning();
     const int pairs = width / 2;
-    const Bytes y_in = make_plane(width * rows);
-    const Bytes uv_in = make_plane(width * (rows / 2));
-    const Guarded low = make_guarded(width * rows), high = make_guarded(width * rows);
-    const Guarded u = make_guarded(pairs * (rows / 2)), v = make_guarded(pairs * (rows / 2));
+    Bytes y_in = make_plane(width * rows);
+    Bytes uv_in = make_plane(width * (rows / 2));
+    Guarded low = make_guarded(width * rows), high = make_guarded(width * rows);
+    Guarded u = make_guarded(pairs * (rows / 2)), v = make_guarded(pairs * (rows / 2));
     Bytes luma, chroma;
     for (size_t i = 0; i < y_in.size(); ++i) {
       luma.push_back(expected_luma(y_in[i], low[i], high[i], GetParam()));
@@ -116,7 +116,7 @@ class Restore : public testing::TestWithParam<Thresholds> {
       chroma.insert(chroma.end(), {pair.first, pair.second});
     }
 
-    const Guarded y(y_in, guard_), uv(uv_in, guard_);
+    Guarded y(y_in, guard_), uv(uv_in, guard_);
     Guarded y_out(Bytes(y_in.size()), guard_), uv_out(Bytes(uv_in.size()), guard_);
     restore_interleave_yuv420_neon(y.data(), uv.data(), low.data(), high.data(), u.data(), v.data(),
                                    width, rows, y_out.data(), uv_out.data(), &tuning);
@@ -165,10 +165,10 @@ class Restore : public testing::TestWithParam<Thresholds> {
   }
 
   void check_packed(int width, int rows) {
-    const interleaving_tuning tuning = GetParam().tuning();
-    const Bytes in = make_plane(2 * width * rows);
-    const Guarded low = make_guarded(width * rows), high = make_guarded(width * rows);
-    const Guarded u = make_guarded(width / 2 * rows), v = make_guarded(width / 2 * rows);
+    interleaving_tuning tuning = GetParam().tuning();
+    Bytes in = make_plane(2 * width * rows);
+    Guarded low = make_guarded(width * rows), high = make_guarded(width * rows);
+    Guarded u = make_guarded(width / 2 * rows), v = make_guarded(width / 2 * rows);
     Bytes chroma_only = in;
     for (size_t k = 0; k < u.size(); ++k) {
       const Pair pair = expected_chroma({in[4 * k + 1], in[4 * k + 3]}, {u[k], v[k]}, GetParam());
@@ -224,7 +224,7 @@ struct Corner {
   Bytes v = Bytes(8, 128);
 
   void run(const Thresholds& thresholds) {
-    const interleaving_tuning tuning = thresholds.tuning();
+    interleaving_tuning tuning = thresholds.tuning();
     interleave_job job{};
     job.width = 16;
     job.rows = 2;
@@ -299,7 +299,7 @@ TEST(RestoreByHand, ZeroThresholdsWriteNothing) {
     EXPECT_EQ(corner.y, Corner().y);
     EXPECT_EQ(corner.uv, Corner().uv);
     Bytes packed(64, 128);
-    const interleaving_tuning tuning = thresholds.tuning();
+    interleaving_tuning tuning = thresholds.tuning();
     interleave_job job{};
     job.width = 16;
     job.rows = 1;

@@ -48,7 +48,7 @@ TEST(Upsample, GivesTheFloorOfTheBilinearValue) {
           SCOPED_TRACE(std::string(variant.name) + ' ' + std::to_string(size.cols) + 'x' +
                        std::to_string(size.rows) + " pattern " +
                        std::to_string(static_cast<int>(pattern)));
-          const Guarded src(make_bytes(size.cols * size.rows, pattern, random), guard);
+          Guarded src(make_bytes(size.cols * size.rows, pattern, random), guard);
           Bytes expected;
           for (int y = 0; y < size.rows * variant.down; ++y) {
             for (int x = 0; x < size.cols * variant.across; ++x) {
@@ -74,7 +74,7 @@ TEST(Upsample, GivesTheFloorOfTheBilinearValue) {
 }
 
 TEST(Upsample, RampBetweenBlackAndWhite) {
-  const uint8_t src[] = {0, 255};
+  uint8_t src[] = {0, 255};
   const Bytes ramp = {0, 15, 31, 47, 63, 79, 95, 111, 127, 143, 159, 175, 191, 207, 223, 239};
   Bytes luma(2 * 256);
   upsample_y_neon(luma.data(), src, 2, 1);
@@ -86,7 +86,7 @@ TEST(Upsample, RampBetweenBlackAndWhite) {
 }
 
 TEST(Upsample, ChromaKernelsCoverTheFirstColumnsOnly) {
-  const Bytes src(3 * 2, 77);
+  Bytes src(3 * 2, 77);
   for (const bool packed : {false, true}) {
     const size_t rows = packed ? 32 : 16;
     Bytes dst(24 * rows, kUntouched);

@@ -99,10 +99,8 @@ std::string describe_case(const FilterCase& c, Pattern pattern) {
                   c.tuning.val_weight_coef[0], "pattern", static_cast<int>(pattern), "seed", kSeed);
 }
 
-using WholeFilter = void (*)(const uint8_t*, uint8_t*, int32_t, int32_t, int32_t, int32_t,
-                             const bilateralfiltering_tuning*);
-using CentreFilter = void (*)(const uint8_t*, uint8_t*, int32_t, int32_t, int32_t, int32_t, int32_t,
-                              int32_t, int32_t, int32_t, const bilateralfiltering_tuning*);
+using WholeFilter = decltype(&bilateral_filter);
+using CentreFilter = decltype(&bilateral_filter_center_neon);
 
 // Noise of a few levels reaches every entry of the range weights, patterns reach the clamps.
 void fill_plane(uint8_t* data, size_t count, Pattern pattern, bool noisy) {
@@ -112,7 +110,7 @@ void fill_plane(uint8_t* data, size_t count, Pattern pattern, bool noisy) {
   for (size_t i = 0; i < count; ++i) data[i] = static_cast<uint8_t>(data[i] / 8 + random() % 24);
 }
 
-void expect_plain_result(const FilterCase& c, WholeFilter filter, RangeWeight weight,
+void expect_plain_result(FilterCase c, WholeFilter filter, RangeWeight weight,
                          Pattern pattern = Pattern::kRandom) {
   const size_t bytes = static_cast<size_t>(c.height * c.width);
   const auto guard = c.width % 2 == 0 ? GuardedBytes::Guard::kEnd : GuardedBytes::Guard::kStart;
@@ -221,8 +219,8 @@ TEST(BilateralFilter, InteriorFollowsTheRule) {
   }
 }
 
-std::vector<uint8_t> filtered(const std::vector<uint8_t>& src, int width, int span_row,
-                              int span_col, const bilateralfiltering_tuning& tuning) {
+std::vector<uint8_t> filtered(std::vector<uint8_t> src, int width, int span_row, int span_col,
+                              bilateralfiltering_tuning tuning) {
   std::vector<uint8_t> dst(src.size(), kUntouched);
   bilateral_filter(src.data(), dst.data(), static_cast<int>(src.size()) / width, width, span_row,
                    span_col, &tuning);

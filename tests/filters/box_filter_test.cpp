@@ -87,7 +87,7 @@ class GuardedFilter {
   }
   void run() { run(case_.first, case_.end); }
   void run_neon() {
-    const boxfiltering_tuning tuning{case_.tab_bit};
+    boxfiltering_tuning tuning{case_.tab_bit};
     box_filter_col_neon(src(), low_.data(), high_.data(), case_.width, case_.height, 0,
                         case_.height, case_.first, case_.end, &tuning);
   }
