@@ -38,7 +38,8 @@ class BenchHandle {
   // The record of a frame whose workers are up, for calling stages one by one.
   vorel_thread* hold_frame() {
     run(640);
-    handle_->pool[0]->init(kPoolThreads, kPoolAffinity, 0);
+    const worker_options& workers = handle_->workers;
+    handle_->pool[0]->init(workers.count, static_cast<int>(workers.cpu_mask), 0);
     handle_->pool_ready[0] = 1;
     workers_started_ = true;
     return &handle_->thread[0];

@@ -30,11 +30,15 @@ set(VOREL_TUNING_CHECK_SOURCES
   tuning/findings.cpp)
 set(VOREL_CORE_SOURCES
   core/box_filter_stage.cpp
+  core/continued_frame.cpp
   core/deinterleave_stage.cpp
   core/dump.cpp
+  core/frame.cpp
+  core/frame_call.cpp
   core/frame_guard.cpp
   core/interleave_stage.cpp
   core/lifecycle.cpp
+  core/open.cpp
   core/run.cpp
   core/run_thread.cpp
   core/tuning_parameter.cpp

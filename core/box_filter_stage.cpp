@@ -47,6 +47,8 @@ int vorel_box_filter(vorel_thread* run) {
   fill_box_filter_jobs(run);
   if (first_pool_ready(run)) {
     run_jobs(run->pool[0], filter_strip_job, run->box_jobs, kBoxFilterJobs);
+  } else {
+    run->report.skip(VOREL_STAGE_BOX_FILTER, false);
   }
   timer.log("vorel_box_filter");
   timer.restart();

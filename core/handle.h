@@ -10,8 +10,11 @@
 
 #include "platform/debug_levels.h"
 #include "platform/plane_dump.h"
+#include "threading/thread_pool_state.h"
+#include "tuning/tuning.h"
 #include "vorel/convert.h"
 #include "vorel/filters.h"
+#include "vorel/frame.h"
 #include "vorel/thread_pool.h"
 #include "vorel/tuning.h"
 #include "vorel/vorel.h"
@@ -20,9 +23,6 @@
 inline constexpr int VOREL_RING_SLOTS = 1;
 
 inline constexpr int kPools = 3;
-inline constexpr int kPoolThreads = 6;
-inline constexpr int kPoolAffinity = 0xFF;
-inline constexpr int kRunThreadNice = -8;
 inline constexpr int kBoxFilterJobs = 64;
 inline constexpr int kInterleaveJobs = 64;
 inline constexpr int kCopyAndPadJobs = 4;
@@ -31,6 +31,28 @@ inline constexpr size_t kDumpPathSize = 128;
 
 // Border of the half-precision planes on each side, in samples.
 inline constexpr int kMfdBorder = 32;
+
+// The threads that work on a handle's frames.
+struct worker_options {
+  int32_t count;
+  uint32_t cpu_mask;
+  int32_t nice;  // of the driver thread
+  char thread_name[kThreadNameSize];
+};
+
+// What became of a frame's stages. Written by the driver thread.
+struct frame_report {
+  uint32_t ran;  // 1 << VOREL_STAGE_*
+  uint32_t skipped;
+  bool short_of_memory;  // why a stage was skipped; for want of workers otherwise
+  bool had_workers;
+  int64_t stage_usec[VOREL_STAGE_COUNT];
+
+  void skip(int stage, bool for_memory) {
+    skipped |= 1u << stage;
+    short_of_memory = short_of_memory || for_memory;
+  }
+};
 
 // One frame in flight: copies of the handle's fields and pointers into it. Filled by vorel_run,
 // read by the driver thread and the stages.
@@ -74,12 +96,15 @@ struct vorel_thread {
   std::atomic<uint8_t>* preinit_joined;
   ThreadPool* pool[kPools];
   std::atomic<uint8_t>* pool_ready[kPools];
+  const worker_options* workers;
+  frame_report report;
 };
 
 // Argument of the pool-starting thread.
 struct vorel_preinit_thread {
   ThreadPool* pool[kPools];
   std::atomic<uint8_t>* pool_ready[kPools];
+  const worker_options* workers;
 };
 
 // Zero-filled at init.
@@ -124,6 +149,13 @@ struct vorel {
 
   // What the frame guard needs to know: bytes of one full-size plane as allocated at init.
   int32_t luma_plane_bytes;
+
+  worker_options workers;
+  std::atomic<uint8_t> slot_abandoned;  // 1 while the slot is held by a call that has ended
+  uint8_t* continued_frame;  // room for a frame that cannot be processed where it is, or null
+  bool tuning_loaded;        // from a file or a text
+  char tuning_version[kTuningVersionSize];
+  char sensor_name[kSensorNameSize];
 };
 
 // Whether the stages may queue jobs.

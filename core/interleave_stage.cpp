@@ -82,11 +82,14 @@ int vorel_interleave(vorel_thread* run) {
   const bool needs_half_planes = is_planar_420(run->format) && restores_to_half_planes(run->tuning);
   if (needs_half_planes && (run->mfd_u == nullptr || run->mfd_v == nullptr)) {
     VOREL_LOGE("vorel_interleave, skipped: no half-precision planes");
+    run->report.skip(VOREL_STAGE_INTERLEAVE, true);
     return 0;
   }
   fill_interleave_jobs(run);
   if (first_pool_ready(run)) {
     run_jobs(run->pool[0], vorel_interleave_thread_func, run->interleave_jobs, kInterleaveJobs);
+  } else {
+    run->report.skip(VOREL_STAGE_INTERLEAVE, false);
   }
   timer.log("vorel_interleave");
   return 0;

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -118,6 +119,29 @@ const char* scenario_name(int scenario) {
   }
 }
 
+void log_options(const vorel_options& options) {
+  VOREL_LOGI("CommitID %s Build Date %s", VOREL_COMMIT_ID, VOREL_BUILD_DATE);
+  VOREL_LOGI(
+      "NUM_THREAD_POOL(%d), AFFINITY(%X), Y_BOXFILTERING(%d), INTERLEAVING(%d), "
+      "RUNCOPYANDPAD(%d), SATURATION(%d)",
+      options.workers, options.cpu_mask, kBoxFilterJobs, kInterleaveJobs, kCopyAndPadJobs,
+      kSaturationJobs);
+  VOREL_LOGI("vorel_init, width(%d), height(%d), scenario(%s), sensorId(%d), priority(%d)",
+             options.width, options.height, scenario_name(options.scenario),
+             static_cast<int>(options.sensor_id), options.nice);
+}
+
+void set_options(vorel* handle, const vorel_options& options) {
+  handle->width = options.width;
+  handle->height = options.height;
+  handle->aligned_height = align_up_16(options.height);
+  handle->height_floor16 = align_down_16(options.height);
+  handle->workers.count = options.workers;
+  handle->workers.cpu_mask = options.cpu_mask;
+  handle->workers.nice = options.nice;
+  std::snprintf(handle->workers.thread_name, kThreadNameSize, "%s", options.thread_name);
+}
+
 template <typename T>
 void release(T*& plane) {
   std::free(plane);
@@ -133,7 +157,9 @@ void* vorel_preinit_thread_func(void* arg) {
     return nullptr;
   }
   if (preinit->pool[0] == nullptr) return nullptr;
-  const bool started = preinit->pool[0]->init(kPoolThreads, kPoolAffinity, 0) >= 0;
+  const worker_options* workers = preinit->workers;
+  const bool started = preinit->pool[0]->init(workers->count, static_cast<int>(workers->cpu_mask),
+                                              0, workers->thread_name) >= 0;
   preinit->pool_ready[0]->store(started ? 1 : 0, std::memory_order_release);
   return nullptr;
 }
@@ -149,56 +175,59 @@ void settle_pool(vorel* handle) {
   }
 }
 
+vorel* make_handle(const vorel_options& options, vorel_status* status) {
+  if (!cpu_runs_kernels()) {
+    VOREL_LOGE("vorel_init, this processor lacks %s", missing_cpu_feature());
+    *status = VOREL_NO_PROCESSOR;
+    return nullptr;
+  }
+  auto* handle = static_cast<vorel*>(std::malloc(sizeof(vorel)));
+  if (handle == nullptr) {
+    VOREL_LOGE("vorel_init, fail: handle %p", static_cast<void*>(handle));
+    *status = VOREL_NO_MEMORY;
+    return nullptr;
+  }
+  VOREL_LOGI("vorel_init, handle %p", static_cast<void*>(handle));
+  if (scenario_name(options.scenario) == nullptr) {
+    VOREL_LOGE("vorel_init, not support scenario(%d)", options.scenario);
+    *status = VOREL_BAD_OPTION;
+    return handle;  // Kept: neither zeroed nor released; callers must not use it.
+  }
+  log_options(options);
+  std::memset(static_cast<void*>(handle), 0, sizeof(vorel));
+  set_options(handle, options);
+  handle->preinit_joined = 1;
+  handle->pool[0] = new (std::nothrow) ThreadPool();
+  read_debug_mode(handle);
+  if (handle->debug_mode >= kDebugDumpInput) make_dump_directory(handle, options.sensor_id);
+  const bool tuned = get_tuning_parameter(handle, options);
+  handle->sensorId = static_cast<int32_t>(options.sensor_id);
+
+  if (handle->pool[0] == nullptr) VOREL_LOGE("vorel_init, vorel->pool[0] alloc is fail");
+  const bool allocated = handle->pool[0] != nullptr && tuned && allocate_planes(handle);
+  if (!allocated) {
+    *status = tuned ? VOREL_NO_MEMORY : VOREL_BAD_TUNING;
+    static_cast<void>(vorel_deinit(handle));
+    return nullptr;
+  }
+  handle->slot = -1;
+  std::memset(&handle->slot_mutex, 0, sizeof(handle->slot_mutex));
+  *status = VOREL_DONE;
+  return handle;
+}
+
 vorel* vorel_init(int width, int height, int scenario, unsigned int sensorId) {
   VOREL_LOGI("vorel_init - E");
   if (width % 16 != 0) {
     VOREL_LOGE("unsupported width(%d)", width);
     return nullptr;
   }
-  if (!cpu_runs_kernels()) {
-    VOREL_LOGE("vorel_init, this processor lacks %s", missing_cpu_feature());
-    return nullptr;
-  }
-  auto* handle = static_cast<vorel*>(std::malloc(sizeof(vorel)));
-  if (handle == nullptr) {
-    VOREL_LOGE("vorel_init, fail: handle %p", static_cast<void*>(handle));
-    return nullptr;
-  }
-  VOREL_LOGI("vorel_init, handle %p", static_cast<void*>(handle));
-  const char* name = scenario_name(scenario);
-  if (name == nullptr) {
-    VOREL_LOGE("vorel_init, not support scenario(%d)", scenario);
-    return handle;  // Kept: neither zeroed nor released; callers must not use it.
-  }
-  VOREL_LOGI("CommitID %s Build Date %s", VOREL_COMMIT_ID, VOREL_BUILD_DATE);
-  VOREL_LOGI(
-      "NUM_THREAD_POOL(%d), AFFINITY(%X), Y_BOXFILTERING(%d), INTERLEAVING(%d), "
-      "RUNCOPYANDPAD(%d), SATURATION(%d)",
-      kPoolThreads, kPoolAffinity, kBoxFilterJobs, kInterleaveJobs, kCopyAndPadJobs,
-      kSaturationJobs);
-  VOREL_LOGI("vorel_init, width(%d), height(%d), scenario(%s), sensorId(%d), priority(%d)", width,
-             height, name, static_cast<int>(sensorId), kRunThreadNice);
-
-  std::memset(static_cast<void*>(handle), 0, sizeof(vorel));
-  handle->width = width;
-  handle->height = height;
-  handle->aligned_height = align_up_16(height);
-  handle->height_floor16 = align_down_16(height);
-  handle->preinit_joined = 1;
-  handle->pool[0] = new (std::nothrow) ThreadPool();
-  read_debug_mode(handle);
-  if (handle->debug_mode >= kDebugDumpInput) make_dump_directory(handle, sensorId);
-  get_tuning_parameter(handle, static_cast<int>(sensorId));
-  handle->sensorId = static_cast<int32_t>(sensorId);
-
-  if (handle->pool[0] == nullptr) VOREL_LOGE("vorel_init, vorel->pool[0] alloc is fail");
-  if (handle->pool[0] == nullptr || !allocate_planes(handle)) {
-    static_cast<void>(vorel_deinit(handle));
-    return nullptr;
-  }
-  handle->slot = -1;
-  std::memset(&handle->slot_mutex, 0, sizeof(handle->slot_mutex));
-  VOREL_LOGI("vorel_init - X");
+  vorel_options options = vorel_default_options(width, height);
+  options.scenario = scenario;
+  options.sensor_id = sensorId;
+  vorel_status status = VOREL_DONE;
+  vorel* handle = make_handle(options, &status);
+  if (status == VOREL_DONE) VOREL_LOGI("vorel_init - X");
   return handle;
 }
 
@@ -212,6 +241,7 @@ int vorel_deinit(vorel* handle) {
   for (const plane_entry& entry : kPlanes) release(handle->*entry.plane);
   release(handle->mfd_u);
   release(handle->mfd_v);
+  release(handle->continued_frame);
   settle_pool(handle);
   delete handle->pool[0];
   std::free(handle);

@@ -65,7 +65,8 @@ void dump_chroma(const vorel_thread* run, const char* prefix, const uint8_t* chr
   dump_plane({run->debug_mode, run->dump_path}, prefix, {chroma, run->width, run->height / 2});
 }
 
-void process_chroma(vorel_thread* run, ChromaPostProcess* process) {
+// Returns false when memory was short; the frame then keeps its chroma.
+bool process_chroma(vorel_thread* run, ChromaPostProcess* process) {
   buffer input[2];
   if (run->tuning->enable == 0 || !restores_to_half_planes(run->tuning)) {
     input[0] = describe_frame_chroma(run, run->in_address_2);
@@ -75,8 +76,9 @@ void process_chroma(vorel_thread* run, ChromaPostProcess* process) {
     input[1] = describe_plane(run->mfd_v, run->mfd_height, run->mfd_width, VOREL_PLANE_SECOND);
   }
   buffer output = describe_frame_chroma(run, run->out_address_2);
-  process->chromaPostProcess(input, &output);
+  const bool ran = process->chromaPostProcess(input, &output) == 0;
   dump_chroma(run, "MFD_UV_", run->out_address_2);
+  return ran;
 }
 
 }  // namespace
@@ -87,10 +89,12 @@ int MFD_UV(vorel_thread* run) {
   log_parameters(run, p);
   if (run->mfd_u == nullptr || run->mfd_v == nullptr) {
     VOREL_LOGE("MFD_UV, skipped: no half-precision planes");
+    run->report.skip(VOREL_STAGE_MFD_UV, true);
     return 0;
   }
   if (!first_pool_ready(run)) {
     VOREL_LOGE("MFD_UV, skipped: no worker threads");
+    run->report.skip(VOREL_STAGE_MFD_UV, false);
     return 0;
   }
   // Two bytes a sample: twice the rows. The full-size working planes are free by now.
@@ -105,7 +109,9 @@ int MFD_UV(vorel_thread* run) {
                                    p.sat_param_1, p.sat_param_2, p.sat_thr_1, p.sat_thr_2,
                                    run->debug_mode, const_cast<char*>(run->dump_path), run->pool[0],
                                    run->pool[1], run->pool[2], borrow);
-  if (ready) process_chroma(run, &process);
+  if (!ready || !process_chroma(run, &process)) {
+    run->report.skip(VOREL_STAGE_MFD_UV, true);
+  }
   process.deallocate();
   timer.log("MFD_UV");
   return 0;

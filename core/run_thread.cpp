@@ -1,3 +1,5 @@
+#include <chrono>
+
 #include "core/run.h"
 #include "core/stages.h"
 #include "platform/log.h"
@@ -7,9 +9,23 @@
 
 namespace {
 
+// Runs one stage, taking its time, and returns its result.
+int run_stage(vorel_thread* run, int stage, int (*function)(vorel_thread*)) {
+  using clock = std::chrono::steady_clock;
+  frame_report* report = &run->report;
+  const clock::time_point start = clock::now();
+  const int result = function(run);
+  const auto elapsed = std::chrono::duration_cast<std::chrono::microseconds>(clock::now() - start);
+  if ((report->skipped & 1u << stage) == 0) {
+    report->ran |= 1u << stage;
+    report->stage_usec[stage] = elapsed.count();
+  }
+  return result;
+}
+
 void run_wavelet_path(vorel_thread* run) {
   if (run->tuning->mfd_uv_tuning.enable == 0) return;
-  const int result = MFD_UV(run);
+  const int result = run_stage(run, VOREL_STAGE_MFD_UV, MFD_UV);
   if (result != 0) VOREL_LOGE("MFD_UV is fail.. ret = %d", result);
 }
 
@@ -18,14 +34,14 @@ void run_stages(vorel_thread* run) {
     run_wavelet_path(run);
     return;
   }
-  int result = vorel_deinterleave(run);
+  int result = run_stage(run, VOREL_STAGE_DEINTERLEAVE, vorel_deinterleave);
   if (result != 0) {
     VOREL_LOGE("vorel_deinterleave is fail.. ret = %d", result);
     return;
   }
-  vorel_box_filter(run);
-  vorel_yuv(run);
-  result = vorel_interleave(run);
+  run_stage(run, VOREL_STAGE_BOX_FILTER, vorel_box_filter);
+  run_stage(run, VOREL_STAGE_YUV, vorel_yuv);
+  result = run_stage(run, VOREL_STAGE_INTERLEAVE, vorel_interleave);
   if (result != 0) {
     VOREL_LOGE("vorel_interleave is fail.. ret = %d", result);
     return;
@@ -43,11 +59,12 @@ void* vorel_run_thread(void* argument) {
   }
   timeval start{};
   if (run->debug_mode == kDebugTiming) set_current_time(&start);
-  set_thread_nice(kRunThreadNice);
+  set_thread_nice(run->workers->nice);
   if (*run->preinit_joined == 0) {
     pthread_join(*run->preinit_thread, nullptr);
     *run->preinit_joined = 1;
   }
+  run->report.had_workers = first_pool_ready(run);
   run_stages(run);
   if (first_pool_ready(run)) {
     run->pool[0]->deinit();

@@ -5,23 +5,26 @@
 #include "platform/log.h"
 #include "tuning/tuning.h"
 
-void get_tuning_parameter(vorel* handle, int sensorId) {
+bool get_tuning_parameter(vorel* handle, const vorel_options& options) {
   if (handle == nullptr) {
     VOREL_LOGE("get_tuning_parameter, fail: vorel %p", static_cast<void*>(handle));
-    return;
+    return false;
   }
+  const int sensorId = static_cast<int>(options.sensor_id);
   cnr_tuning* tuning = &handle->tuning;
+  const bool named = options.tuning_path != nullptr || options.tuning_text != nullptr;
   set_default_tuning(tuning);
-  char sensor_name[kSensorNameSize] = {};
-  if (GetCurrentSensorInfo(sensor_name, sensorId)) {
-    VOREL_LOGI("SetCurrentSensorInfo(sensorId: %d) success", sensorId);
-    VOREL_LOGI("SENSOR_NAME: %s", sensor_name);
-    load_tuning_file(sensor_name, tuning);
-  } else {
-    VOREL_LOGI("SetCurrentSensorInfo(sensorId: %d) failed", sensorId);
+  const bool known = GetCurrentSensorInfo(handle->sensor_name, sensorId);
+  VOREL_LOGI("SetCurrentSensorInfo(sensorId: %d) %s", sensorId, known ? "success" : "failed");
+  if (known) VOREL_LOGI("SENSOR_NAME: %s", handle->sensor_name);
+  if (known || named) {
+    handle->tuning_loaded = load_tuning(
+        {handle->sensor_name, options.tuning_path, options.tuning_text, options.tuning_text_bytes},
+        tuning, handle->tuning_version);
   }
   build_stored_weights(&tuning->bilateralfiltering_tuning);
   if (handle->debug_mode == kDebugTuning) log_tuning(tuning);
+  return handle->tuning_loaded || !named;
 }
 
 void update_tuning_parameter(vorel* handle, int noiseIndex) {

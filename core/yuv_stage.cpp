@@ -75,6 +75,8 @@ int vorel_yuv(vorel_thread* run) {
       if (pool->addWork(job, run) != 0) job(run);
     }
     pool->wait();
+  } else {
+    run->report.skip(VOREL_STAGE_YUV, false);
   }
   const stage_record& stage = run->yuv_stage;
   const int32_t chroma_rows =

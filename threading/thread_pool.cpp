@@ -86,6 +86,10 @@ ThreadPool::ThreadPool() : mKeepAlive(1) {}
 ThreadPool::~ThreadPool() = default;
 
 int ThreadPool::init(int numThreads, int affinityMask, int nameTag) {
+  return init(numThreads, affinityMask, nameTag, "vorel");
+}
+
+int ThreadPool::init(int numThreads, int affinityMask, int nameTag, const char* threadName) {
   VOREL_LOGI("ThreadPool::init - E");
   if (mThreadPool) {
     // Workers of an earlier start would outlive the only means to stop them.
@@ -99,6 +103,7 @@ int ThreadPool::init(int numThreads, int affinityMask, int nameTag) {
     VOREL_LOGE("Allocation failed for thread pool");
     return -1;
   }
+  std::snprintf(mThreadPool->thread_name, kThreadNameSize, "%s", threadName);
   for (int32_t i = 0; i < count; ++i) {
     thread* record = &mThreadPool->workers[static_cast<size_t>(i)];
     if (thread_init(record, i, this, affinityMask, nameTag) == 0) continue;
@@ -185,7 +190,7 @@ void* ThreadPool::thread_do(void* record) {
   const ThreadPool* owner = self->owner;
 
   char name[32];
-  std::snprintf(name, sizeof(name), "vorel-%d-%d", self->name_tag, self->index);
+  std::snprintf(name, sizeof(name), "%s-%d-%d", state->thread_name, self->name_tag, self->index);
   set_thread_name(name);
   set_thread_affinity(self->affinity_mask);
 

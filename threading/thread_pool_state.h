@@ -26,6 +26,9 @@ struct thread {
   int32_t name_tag;
 };
 
+// Longest first part of a worker's name; the system keeps 15 characters of the whole.
+inline constexpr size_t kThreadNameSize = 9;
+
 // Room for what a shared pointer stores beside its object.
 inline constexpr size_t kSharedOverhead = 128;
 
@@ -68,6 +71,7 @@ struct thpool {
   }
 
   std::vector<thread, PreparedAllocator<thread>> workers;
+  char thread_name[kThreadNameSize] = {};
   int32_t num_threads = 0;          // under count_lock, as the next two
   int32_t num_threads_alive = 0;    // workers that have started and not ended
   int32_t num_threads_working = 0;  // workers that have a job or are about to take one

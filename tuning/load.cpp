@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "platform/directories.h"
 #include "platform/log.h"
@@ -68,18 +69,15 @@ char* read_text(const char* path, int file, off_t size) {
 
 }  // namespace
 
-bool LoadJson(const char* sensor_name, json_t*& root) {
-  const char* directory = firmware_directory();
-  char path[kPathSize];
-  const int length = std::snprintf(path, sizeof(path), "%s/vorel_%s.json", directory, sensor_name);
+bool load_json_file(const char* path, json_t*& root) {
   off_t size = 0;
-  const bool fits = length > 0 && static_cast<size_t>(length) < sizeof(path);
-  const int file = fits ? open_file(path, size) : -1;
+  const int file = open_file(path, size);
   if (file < 0) {
-    VOREL_LOGE("Cannot open %s/vorel_%s.json", directory, sensor_name);
+    VOREL_LOGE("Cannot open %s", path);
     return false;
   }
-  VOREL_LOGD("JSON[vorel_%s.json] fileSize=%d", sensor_name, static_cast<int>(size));
+  const char* slash = std::strrchr(path, '/');
+  VOREL_LOGD("JSON[%s] fileSize=%d", slash != nullptr ? slash + 1 : path, static_cast<int>(size));
   char* text = read_text(path, file, size);
   close(file);
   if (text == nullptr) return false;
@@ -94,15 +92,45 @@ bool LoadJson(const char* sensor_name, json_t*& root) {
   return true;
 }
 
+bool load_json_text(const char* text, size_t bytes, json_t*& root) {
+  json_error_t error;
+  root = json_loadb(text, bytes, JSON_DISABLE_EOF_CHECK, &error);
+  if (root == nullptr) {
+    VOREL_LOGE("Error loading JSON text on line %d: %s", error.line, error.text);
+    return false;
+  }
+  return true;
+}
+
+bool LoadJson(const char* sensor_name, json_t*& root) {
+  const char* directory = firmware_directory();
+  char path[kPathSize];
+  const int length = std::snprintf(path, sizeof(path), "%s/vorel_%s.json", directory, sensor_name);
+  if (length > 0 && static_cast<size_t>(length) < sizeof(path)) return load_json_file(path, root);
+  VOREL_LOGE("Cannot open %s/vorel_%s.json", directory, sensor_name);
+  return false;
+}
+
 void ReleaseJson(json_t* root) { json_decref(root); }
 
-void load_tuning_file(const char* sensor_name, cnr_tuning* tuning) {
+bool load_tuning(const tuning_source& source, cnr_tuning* tuning, char* version) {
   json_t* root = nullptr;
-  if (!LoadJson(sensor_name, root)) {
-    VOREL_LOGE("LoadJson(%s) failed", sensor_name);
-    return;
+  const char* name = source.sensor_name;
+  bool loaded;
+  if (source.text != nullptr) {
+    name = "text";
+    loaded = load_json_text(source.text, source.text_bytes, root);
+  } else if (source.path != nullptr) {
+    name = source.path;
+    loaded = load_json_file(source.path, root);
+  } else {
+    loaded = LoadJson(source.sensor_name, root);
   }
-  VOREL_LOGI("LoadJson(%s) success", sensor_name);
+  if (!loaded) {
+    VOREL_LOGE("LoadJson(%s) failed", name);
+    return false;
+  }
+  VOREL_LOGI("LoadJson(%s) success", name);
 
   // Each of the two readers drops a reference of a root that it refuses.
   const bool refused = !json_is_array(root) || first_non_object(root) < json_array_size(root);
@@ -110,9 +138,15 @@ void load_tuning_file(const char* sensor_name, cnr_tuning* tuning) {
     json_incref(root);
     json_incref(root);
   }
-  char tuning_version[kTuningVersionSize] = {};
-  getTuningVersions(root, tuning_version);
-  VOREL_LOGI("TUNING_VERSION: %s", tuning_version);
+  version[0] = '\0';
+  getTuningVersions(root, version);
+  VOREL_LOGI("TUNING_VERSION: %s", version);
   decodeJson(root, tuning);
   ReleaseJson(root);
+  return !refused;
+}
+
+void load_tuning_file(const char* sensor_name, cnr_tuning* tuning) {
+  char version[kTuningVersionSize];
+  static_cast<void>(load_tuning({sensor_name, nullptr, nullptr, 0}, tuning, version));
 }

@@ -16,6 +16,10 @@ inline constexpr size_t kTuningVersionSize = 64;
 // in `root` and returns true; the caller drops it with `ReleaseJson`. Failures are logged.
 [[nodiscard]] bool LoadJson(const char* sensor_name, json_t*& root);
 
+// The same for a file of any name, and for a text of `bytes` bytes.
+[[nodiscard]] bool load_json_file(const char* path, json_t*& root);
+[[nodiscard]] bool load_json_text(const char* text, size_t bytes, json_t*& root);
+
 // Copies the last object's version text to `dst` (kTuningVersionSize bytes, longer texts are cut).
 // A root of the wrong shape is logged and loses one reference.
 void getTuningVersions(json_t* root, char* dst);
@@ -24,8 +28,19 @@ void getTuningVersions(json_t* root, char* dst);
 // shape is logged and loses one reference.
 void decodeJson(json_t* root, cnr_tuning* tuning);
 
-// Loads the sensor's file into `tuning`, as above, logging each step. Without a usable file
-// `tuning` is left alone.
+// Where a handle's tuning comes from: a text, else a file, else the sensor's file.
+struct tuning_source {
+  const char* sensor_name;
+  const char* path;  // may be null
+  const char* text;  // may be null
+  size_t text_bytes;
+};
+
+// Loads a source into `tuning`, as above, logging each step, and its version into `version`
+// (kTuningVersionSize bytes). Returns false and leaves `tuning` alone when there is none to use.
+bool load_tuning(const tuning_source& source, cnr_tuning* tuning, char* version);
+
+// The sensor's file.
 void load_tuning_file(const char* sensor_name, cnr_tuning* tuning);
 
 // Drops one reference; null is allowed.

@@ -224,7 +224,7 @@ int ChromaPostProcess::chromaPostProcess(buffer* in, buffer* out) {
                     static_cast<int>(uvL1SizeB_.width), static_cast<int>(uvL1SizeB_.height),
                     debugLevel_, dumpPath_, pools_[0], sym4Scratch_)) {
     VOREL_LOGE("ChromaPostProcess::chromaPostProcess, alloc is fail");
-    return 0;
+    return -1;
   }
   denoise_->setup(static_cast<int>(uvSize_.width), static_cast<int>(uvSize_.height),
                   static_cast<int>(uvSizeB_.width), static_cast<int>(uvSizeB_.height), debugLevel_,

@@ -30,6 +30,10 @@ class VOREL_EXPORT ThreadPool {
   /// runs. With 0 workers queued jobs never run and `wait` blocks.
   int init(int numThreads, int affinityMask, int nameTag);
 
+  /// The same with workers named "<threadName>-<nameTag>-<index>"; at most 8 characters of
+  /// `threadName` are kept.
+  int init(int numThreads, int affinityMask, int nameTag, const char* threadName);
+
   /// Queues `function(argument)`; its result is ignored. `argument` stays the caller's and must
   /// live until the job has run. Returns 0, or -1 (logged) without workers or memory.
   int addWork(void* (*function)(void*), void* argument);

@@ -36,7 +36,8 @@ class VOREL_EXPORT ChromaPostProcess {
              buffer* borrow);
 
   /// `in`: one VOREL_PLANE_PAIRS plane, or two bordered half-precision planes (kinds FIRST and
-  /// SECOND), which are used as working planes. `out`: VOREL_PLANE_PAIRS; may be `in`. Returns 0.
+  /// SECOND), which are used as working planes. `out`: VOREL_PLANE_PAIRS; may be `in`. Returns 0,
+  /// or -1 (logged) when memory was short and `out` was left as it was.
   int chromaPostProcess(buffer* in, buffer* out);
 
   /// Denoises one bordered plane in place; `plane` is 1 or 2. The two planes may run at once.
