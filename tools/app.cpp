@@ -1,5 +1,6 @@
 #include "tools/app.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <memory>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "tools/app_help.h"
+#include "tools/did_you_mean.h"
 #include "tools/files/doomed_path.h"
 #include "tools/files/failure.h"
 #include "tools/verbs/verbs.h"
@@ -36,19 +38,37 @@ int run_verb(const std::vector<Verb>& verbs) {
   return kDone;
 }
 
+std::vector<std::string> names_of(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* verb : app.get_subcommands({})) names.push_back(verb->get_name());
+  return names;
+}
+
 // The first argument, when it is neither an option nor a verb.
 std::string unknown_verb(const CLI::App& app, int argc, char** argv) {
   if (argc < 2 || argv[1][0] == '-') return "";
-  for (const CLI::App* verb : app.get_subcommands({})) {
-    if (verb->get_name() == argv[1]) return "";
-  }
-  return argv[1];
+  const std::vector<std::string> names = names_of(app);
+  return std::find(names.begin(), names.end(), argv[1]) == names.end() ? argv[1] : "";
 }
 
-void complain(const std::string& text) { std::fprintf(stderr, "vorel: %s\n", text.c_str()); }
+// Asks for the option that was probably meant instead of the first unknown one.
+std::string suggested_option(const CLI::App& app, int argc, char** argv) {
+  const std::vector<CLI::App*> used = app.get_subcommands();
+  if (used.empty()) return "";
+  std::vector<std::string> known;
+  for (const CLI::Option* option : used.front()->get_options()) {
+    for (const std::string& name : option->get_lnames()) known.push_back("--" + name);
+  }
+  for (int i = 2; i < argc; ++i) {
+    const std::string word = std::string(argv[i]).substr(0, std::string(argv[i]).find('='));
+    const bool is_known = std::find(known.begin(), known.end(), word) != known.end();
+    if (word.starts_with("--") && !is_known) return did_you_mean(word, known);
+  }
+  return "";
+}
 
 // Help and version are no failures; everything else about the command line is bad usage.
-int end_of_parsing(const CLI::App& app, const CLI::ParseError& error) {
+int end_of_parsing(const CLI::App& app, const CLI::ParseError& error, int argc, char** argv) {
   if (error.get_exit_code() == 0) {
     std::fputs(error.get_name() == "CallForVersion" ? (std::string(error.what()) + "\n").c_str()
                                                     : app.help().c_str(),
@@ -57,7 +77,8 @@ int end_of_parsing(const CLI::App& app, const CLI::ParseError& error) {
   }
   std::string verb;
   for (const CLI::App* used : app.get_subcommands()) verb = used->get_name() + " ";
-  complain(error.what());
+  const bool unknown = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
+  complain(error.what() + (unknown ? suggested_option(app, argc, argv) : ""));
   std::fprintf(stderr, "'vorel %s--help' shows what is possible\n", verb.c_str());
   return kBadUsage;
 }
@@ -85,12 +106,16 @@ int run_command(int argc, char** argv) {
   for (auto* add_verb : kVerbs) verbs.push_back(add_verb(app));
   try {
     const std::string unknown = unknown_verb(app, argc, argv);
-    if (!unknown.empty()) throw usage_error("'" + unknown + "' is no verb; see vorel --help");
+    if (!unknown.empty()) {
+      const std::string meant = did_you_mean(unknown, names_of(app));
+      throw usage_error("'" + unknown + "' is no verb" +
+                        (meant.empty() ? "; see vorel --help" : meant));
+    }
     if (argc < 2) throw usage_error("a verb is needed; see vorel --help");
     app.parse(argc, argv);
     return flush_output(run_verb(verbs));
   } catch (const CLI::ParseError& error) {
-    return flush_output(end_of_parsing(app, error));
+    return flush_output(end_of_parsing(app, error, argc, argv));
   } catch (const Failure& failure) {
     complain(failure.what());
     return failure.status();

@@ -63,9 +63,11 @@ TEST_F(Command, BadUsageIsStatus1) {
   const std::string in = picture;
   expect_refused({}, 1, "a verb is needed");
   expect_refused({"remove", in}, 1, "'remove' is no verb");
+  expect_refused({"denois", in}, 1, "did you mean denoise?");
   expect_refused({"denoise"}, 1, "INPUT is required");
   expect_refused({"denoise", in}, 1, "--output is required");
   expect_refused({"denoise", in, "-o", out, "--strength", "5"}, 1, "--strength");
+  expect_refused({"denoise", in, "-o", out, "--nosie-index=5"}, 1, "did you mean --noise-index?");
   for (const char* bad : {"abc", "-5", "1.5", "99999999999", "", "12x"}) {
     expect_refused({"denoise", in, "-o", out, "--noise-index", bad}, 1, "no whole number");
   }
@@ -90,6 +92,11 @@ TEST_F(Command, BadUsageIsStatus1) {
 TEST_F(Command, BadInputIsStatus2) {
   expect_refused({"denoise", directory / "none.png", "-o", out}, 2, "none.png: No such file");
   expect_refused({"denoise", directory.path(), "-o", out}, 2, "unknown extension");
+  expect_refused({"denoise", directory / "\x1b[2J\xc2\x9b\xff\n\u00fc.png", "-o", out}, 2,
+                 "/\\x1b[2J\\xc2\\x9b\\xff\\n\u00fc.png: No such file");
+  expect_refused({"denoise", directory / "a.heic", "-o", out}, 2, "heif-convert");
+  write_text(directory / "b.jpg", std::string("RIFF\1\2\3\4WEBPVP8 ", 16));
+  expect_refused({"denoise", directory / "b.jpg", "-o", out}, 2, "dwebp " + (directory / "b.jpg"));
   write_text(directory / "cut.png", read_text(picture).substr(0, 100));
   expect_refused({"denoise", directory / "cut.png", "-o", out}, 2, "cut short");
   expect_refused({"denoise", raw, "-o", out, "--size", "64x50"}, 2, "64 x 50 has 4800");

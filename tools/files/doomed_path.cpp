@@ -13,7 +13,7 @@ namespace tool {
 namespace {
 
 // A fixed table: a signal handler can neither allocate nor lock.
-constexpr int kSlots = 16;
+constexpr int kSlots = 256;
 enum SlotState { kFree, kReserved, kFileArmed, kDirectoryArmed };
 
 struct Slot {
@@ -38,7 +38,7 @@ void remove_doomed(int signal_number) {
 }  // namespace
 
 void install_signal_handlers() {
-  for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
     struct sigaction old{};
     if (sigaction(number, nullptr, &old) == 0 && old.sa_handler == SIG_IGN) continue;
     struct sigaction action{};

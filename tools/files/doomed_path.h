@@ -6,7 +6,8 @@
 
 namespace tool {
 
-// Arranges that SIGINT, SIGTERM and SIGHUP remove every doomed path before they end the program.
+// Arranges that SIGINT, SIGTERM, SIGHUP, SIGQUIT and SIGPIPE remove every doomed path before they
+// end the program.
 // A signal that is ignored at the start (nohup) stays ignored. A write past a file size limit
 // becomes an error like any other instead of a signal. Call once, before threads exist.
 void install_signal_handlers();

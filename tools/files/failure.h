@@ -37,7 +37,9 @@ class Failure : public std::runtime_error {
 // Text of an errno value.
 [[nodiscard]] std::string errno_text(int error);
 
-// One line on standard error: "vorel: warning: <text>".
+// One line on standard error: "vorel: <text>" and "vorel: warning: <text>". Control characters in
+// names are shown, not obeyed.
+void complain(const std::string& text);
 void warn(const std::string& text);
 
 }  // namespace tool

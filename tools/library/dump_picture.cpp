@@ -15,7 +15,6 @@
 namespace tool {
 namespace {
 
-constexpr size_t kMaxBytes = 2 * kMaxPixels;
 constexpr uint8_t kMidGrey = 128;
 constexpr float kLowScale = 0.25f;  // two levels, each doubling the scale
 constexpr float kDetailScale = 8.0f;
@@ -73,7 +72,7 @@ float half_value(uint16_t bits) {
 
 Nv21Frame read_dump_frame(const DumpFile& file) {
   if (file.layout != DumpLayout::kYuyv) return read_raw(file.path, file.size, {});
-  const std::vector<uint8_t> bytes = read_file(file.path, kMaxBytes);
+  const std::vector<uint8_t> bytes = read_file(file.path, kMaxFrameBytes);
   const Nv21Frame sizes(file.size.width, file.size.height);
   std::vector<uint8_t> y(sizes.luma_bytes());
   std::vector<uint8_t> u(sizes.chroma_bytes() / 2);
@@ -87,7 +86,7 @@ Nv21Frame read_dump_frame(const DumpFile& file) {
 std::vector<uint8_t> dump_png(const DumpFile& file) {
   if (file.content == DumpContent::kFrame)
     return encode_png(nv21_to_rgb(read_dump_frame(file)), {});
-  const std::vector<uint8_t> bytes = read_file(file.path, kMaxBytes);
+  const std::vector<uint8_t> bytes = read_file(file.path, kMaxFrameBytes);
   if (file.content == DumpContent::kPairs && file.layout == DumpLayout::kBytes) {
     return encode_png(nv21_to_rgb(chroma_on_grey(file.size, bytes)), {});
   }

@@ -160,7 +160,7 @@ bool read_all(jpeg_decompress_struct& codec, JpegState& state, Sampling& samplin
   jpeg_read_header(&codec, TRUE);
   size = {static_cast<int>(codec.image_width), static_cast<int>(codec.image_height)};
   if (!is_legal_size(size.width, size.height)) {
-    state.error = "the picture is too large";
+    state.error = size_problem(size.width, size.height);
     return false;
   }
   if (codec.num_components > kMaxComponents) {

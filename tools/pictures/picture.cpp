@@ -36,6 +36,18 @@ bool is_legal_size(int64_t width, int64_t height) {
          static_cast<size_t>(width) * static_cast<size_t>(height) <= kMaxPixels;
 }
 
+std::string size_problem(int64_t width, int64_t height) {
+  return std::to_string(width) + " x " + std::to_string(height) + " pixels are too many; up to " +
+         std::to_string(kMaxSide) + " a side and " + std::to_string(kMaxPixels) +
+         " in all can be read";
+}
+
+size_t frame_bytes(Size size) {
+  const auto width = static_cast<size_t>(size.width);
+  const auto height = static_cast<size_t>(size.height);
+  return width * height + (width + 1) / 2 * 2 * ((height + 1) / 2);
+}
+
 RgbImage::RgbImage(int width_, int height_)
     : width(width_), height(height_), pixels(stride() * static_cast<size_t>(height_)) {}
 

@@ -24,6 +24,13 @@ struct Size {
 inline constexpr int kMaxSide = 65535;
 inline constexpr size_t kMaxPixels = size_t{1} << 28;
 [[nodiscard]] bool is_legal_size(int64_t width, int64_t height);
+// "65536 x 10 pixels are too many; …", for a size that is not legal.
+[[nodiscard]] std::string size_problem(int64_t width, int64_t height);
+
+// Bytes of a 4:2:0 frame with dense rows, at most kMaxFrameBytes for a legal size. Odd sizes have a
+// chroma sample for their last column and row too.
+[[nodiscard]] size_t frame_bytes(Size size);
+inline constexpr size_t kMaxFrameBytes = 2 * kMaxPixels;
 
 // How YUV samples relate to RGB.
 enum class Range { kFull, kLimited };

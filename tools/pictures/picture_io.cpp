@@ -4,6 +4,7 @@
 #include "tools/files/failure.h"
 #include "tools/files/file_bytes.h"
 #include "tools/pictures/colour.h"
+#include "tools/pictures/foreign_kind.h"
 #include "tools/pictures/png_file.h"
 #include "tools/pictures/raw_file.h"
 #include "tools/pictures/y4m_file.h"
@@ -51,7 +52,10 @@ Picture read_coded(const std::string& path) {
   const std::vector<uint8_t> bytes = read_file(path, kMaxCodedBytes);
   if (is_png(bytes)) return decode_png(path, bytes);
   if (is_jpeg(bytes)) return decode_jpeg(path, bytes);
-  throw input_error(path, bytes.empty() ? "is empty" : "is neither a PNG nor a JPEG picture");
+  if (bytes.empty()) throw input_error(path, "is empty");
+  const std::string foreign = foreign_kind(path, bytes);
+  throw input_error(
+      path, "is neither a PNG nor a JPEG picture" + (foreign.empty() ? "" : " but " + foreign));
 }
 
 // Keeps the one picture of a file until it is written.
@@ -124,8 +128,10 @@ std::unique_ptr<PictureInput> PictureInput::open(const std::string& path,
                                                  const ReadOptions& options) {
   const std::optional<FileKind> kind = kind_of_name(path);
   if (!kind) {
-    throw input_error(path,
-                      std::string("unknown extension; pictures end in ") + known_extensions());
+    const std::string foreign = foreign_kind(path);
+    throw input_error(path, foreign.empty() ? std::string("unknown extension; pictures end in ") +
+                                                  known_extensions()
+                                            : "unknown extension: is " + foreign);
   }
   switch (*kind) {
     case FileKind::kRaw:

@@ -47,11 +47,7 @@ std::optional<Size> read_pair(std::string_view text, size_t& pos, char separator
 }  // namespace
 
 std::optional<FileKind> kind_of_name(const std::string& path) {
-  const std::string name = base_name(path);
-  const size_t dot = name.rfind('.');
-  if (dot == std::string::npos) return std::nullopt;
-  std::string extension = name.substr(dot + 1);
-  std::transform(extension.begin(), extension.end(), extension.begin(), lower);
+  const std::string extension = extension_of(path);
   for (const Extension& known : kExtensions) {
     if (extension == known.text) return known.kind;
   }
@@ -88,6 +84,20 @@ std::optional<Size> parse_size(const std::string& text) {
 std::string base_name(const std::string& path) {
   const size_t slash = path.rfind('/');
   return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+std::string extension_of(const std::string& path) {
+  const std::string name = base_name(path);
+  const size_t dot = name.rfind('.');
+  if (dot == std::string::npos) return "";
+  std::string extension = name.substr(dot + 1);
+  std::transform(extension.begin(), extension.end(), extension.begin(), lower);
+  return extension;
+}
+
+std::string stem_of(const std::string& path) {
+  const std::string name = base_name(path);
+  return name.substr(0, name.rfind('.'));
 }
 
 }  // namespace tool

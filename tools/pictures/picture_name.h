@@ -25,8 +25,11 @@ enum class FileKind { kPng, kJpeg, kRaw, kY4m };
 // Parses "1920x1080" or "1920_1080"; nothing for other texts and illegal sizes.
 [[nodiscard]] std::optional<Size> parse_size(const std::string& text);
 
-// The part after the last slash.
+// The part after the last slash; of it, what follows the last dot in small letters, and what comes
+// before that dot.
 [[nodiscard]] std::string base_name(const std::string& path);
+[[nodiscard]] std::string extension_of(const std::string& path);
+[[nodiscard]] std::string stem_of(const std::string& path);
 
 }  // namespace tool
 

@@ -89,12 +89,16 @@ void request_rgb(PngState& state) {
 // False with `state.error` set when the file is no good.
 bool read_all(PngState& state) {
   if (setjmp(png_jmpbuf(state.png)) != 0) return false;
-  png_set_user_limits(state.png, kMaxSide, kMaxSide);
+  // The limits of this program come right after the header, with a clearer message.
+  png_set_user_limits(state.png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
   png_set_read_fn(state.png, &state, on_read);
   png_read_info(state.png, state.info);
   const png_uint_32 width = png_get_image_width(state.png, state.info);
   const png_uint_32 height = png_get_image_height(state.png, state.info);
-  if (!is_legal_size(width, height)) png_error(state.png, "the picture is too large");
+  if (!is_legal_size(width, height)) {
+    state.error = size_problem(width, height);
+    return false;
+  }
   read_metadata(state);
   request_rgb(state);
   state.image = RgbImage(static_cast<int>(width), static_cast<int>(height));

@@ -11,14 +11,6 @@
 namespace tool {
 namespace {
 
-constexpr size_t kMaxBytes = 2 * kMaxPixels;
-
-size_t frame_bytes(Size size) {
-  const auto width = static_cast<size_t>(size.width);
-  const auto height = static_cast<size_t>(size.height);
-  return width * height + (width + 1) / 2 * 2 * ((height + 1) / 2);
-}
-
 // Length of the library's own dump of such a frame.
 size_t dump_bytes(Size size) {
   return static_cast<size_t>(size.height) * static_cast<size_t>(size.width / 2) * 3;
@@ -60,7 +52,7 @@ Size find_size(const std::string& path, std::optional<Size> size, size_t length)
 }  // namespace
 
 Nv21Frame read_raw(const std::string& path, std::optional<Size> size, Colour colour) {
-  const std::vector<uint8_t> bytes = read_file(path, kMaxBytes);
+  const std::vector<uint8_t> bytes = read_file(path, kMaxFrameBytes);
   const Size found = find_size(path, size, bytes.size());
   Nv21Frame frame(found.width, found.height, colour);
   if (bytes.size() == frame.data.size()) {

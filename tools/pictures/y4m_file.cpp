@@ -45,12 +45,6 @@ std::string default_tags(Colour colour) {
          (colour.range == Range::kFull ? "FULL" : "LIMITED");
 }
 
-size_t frame_bytes(Size size) {
-  const auto width = static_cast<size_t>(size.width);
-  const auto height = static_cast<size_t>(size.height);
-  return width * height + 2 * ((width + 1) / 2) * ((height + 1) / 2);
-}
-
 }  // namespace
 
 Y4mReader::Y4mReader(const std::string& path, Colour colour, bool range_is_given)
@@ -84,7 +78,10 @@ void Y4mReader::parse_header(const std::string& line, bool range_is_given) {
     tags_ += (tags_.empty() ? "" : " ") + word;
   }
   if (!is_legal_size(size_.width, size_.height)) {
-    throw input_error(path_, "its header names no usable frame size: \"" + line + "\"");
+    const bool too_large = size_.width > 0 && size_.height > 0;
+    throw input_error(
+        path_, "its header names no usable frame size: " +
+                   (too_large ? size_problem(size_.width, size_.height) : "\"" + line + "\""));
   }
 }
 

@@ -2,13 +2,15 @@
 
 #include <cstdio>
 
+#include "tools/files/printable.h"
+
 namespace tool {
 namespace {
 
 std::string line(const char* label, const std::string& text) {
   std::string padded = label;
   padded.resize(13, ' ');
-  return "  " + padded + text + "\n";
+  return "  " + padded + printable(text) + "\n";
 }
 
 std::string number(double value, int decimals) {
@@ -57,7 +59,7 @@ std::string change_line(const DenoiseSummary& summary) {
 }  // namespace
 
 std::string summary_text(const DenoiseSummary& summary) {
-  std::string text = summary.input + " -> " + summary.output + "\n";
+  std::string text = printable(summary.input + " -> " + summary.output) + "\n";
   text += line("tuning",
                summary.tuning + (summary.tuning_date.empty() ? "" : ", " + summary.tuning_date));
   text += line("sensor", summary.sensor);

@@ -14,8 +14,6 @@
 namespace tool {
 namespace {
 
-constexpr size_t kMaxBytes = 2 * kMaxPixels;
-
 // The folders below that hold dumps, for who names the folder above.
 std::string folders_with_dumps(const std::string& directory) {
   std::error_code error;
@@ -66,7 +64,7 @@ class Converter {
       writer.finish();
       ++written_;
     }
-    if (options_.rename) save(file.viewer_name, read_file(file.path, kMaxBytes));
+    if (options_.rename) save(file.viewer_name, read_file(file.path, kMaxFrameBytes));
   }
 
   [[nodiscard]] int written() const { return written_; }

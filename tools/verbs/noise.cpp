@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "tools/files/failure.h"
+#include "tools/files/printable.h"
 #include "tools/pictures/colour.h"
 #include "tools/pictures/noise_model.h"
 
@@ -29,7 +30,7 @@ void run_noise(const NoiseOptions& options) {
   }
   if (settings.frame == 0) throw input_error(options.input, "holds no frame");
   output->finish();
-  std::printf("%s -> %s\n", options.input.c_str(), options.output.c_str());
+  std::printf("%s\n", printable(options.input + " -> " + options.output).c_str());
   std::printf(
       "  size         %s%s\n", size_text(size).c_str(),
       settings.frame > 1 ? (", " + std::to_string(settings.frame) + " frames").c_str() : "");

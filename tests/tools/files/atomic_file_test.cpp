@@ -123,6 +123,7 @@ TEST_P(Interrupted, NothingIsLeftBehind) {
   EXPECT_THAT(temporary.names(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, Interrupted, testing::Values(SIGINT, SIGTERM, SIGHUP));
+INSTANTIATE_TEST_SUITE_P(Signals, Interrupted,
+                         testing::Values(SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE));
 
 }  // namespace
