@@ -14,31 +14,26 @@ namespace {
 // From 2^30 on 2 * span + 1 wraps and is negative too: the window is empty, the value sum 0.
 bool is_window(int32_t span) { return span >= 0 && span < 1 << 30; }
 
-// Samples [row_first, row_end) x [col_first, col_end) of a plane.
-struct Area {
-  int32_t row_first;
-  int32_t row_end;
-  int32_t col_first;
-  int32_t col_end;
-};
-
-void clear_area(const Area& area, int32_t width, uint8_t* dst) {
+void clear_area(const PlaneArea& area, int32_t width, uint8_t* dst) {
   for (int32_t row = area.row_first; row < area.row_end; ++row) {
     std::memset(dst + static_cast<ptrdiff_t>(row) * width + area.col_first, 0,
                 static_cast<size_t>(area.col_end - area.col_first));
   }
 }
 
-}  // namespace
+PlaneArea inside(const BilateralPlane& plane, const PlaneMargins& margins) {
+  return {margins.top, plane.height - margins.bottom, margins.left, plane.width - margins.right};
+}
 
-void filter_area(const BilateralPlane& plane, const PlaneMargins& margins,
+// The interior's width is a multiple of 8, and its windows lie inside the plane.
+PlaneMargins border(const BilateralPlane& plane) {
+  const int32_t width = std::max(plane.width - 2 * plane.span_col, 0) / 8 * 8;
+  const int32_t left = (plane.width - width) / 2;
+  return {plane.span_row, plane.span_row, left, plane.width - width - left};
+}
+
+void filter_area(const BilateralPlane& plane, const PlaneArea& area, const PlaneArea& interior,
                  RangeWeightSource source) {
-  const Area area{margins.top, plane.height - margins.bottom, margins.left,
-                  plane.width - margins.right};
-  if (area.row_first >= area.row_end || area.col_first >= area.col_end) return;
-  if (!is_window(plane.span_row) || !is_window(plane.span_col)) {
-    return clear_area(area, plane.width, plane.dst);
-  }
   const RangeWeights weights = source == RangeWeightSource::kPolynomial
                                    ? polynomial_weights(*plane.tuning)
                                    : stored_weights(*plane.tuning);
@@ -47,13 +42,34 @@ void filter_area(const BilateralPlane& plane, const PlaneMargins& margins,
     const int32_t rows = std::min(kTileRows, area.row_end - row);
     for (int32_t col = area.col_first; col < area.col_end; col += kLanes) {
       const int32_t cols = std::min(kLanes, area.col_end - col);
-      filter_tile(plane, {row, col, rows, cols}, weights, &work);
+      filter_tile(plane, {row, col, rows, cols}, interior, weights, &work);
     }
   }
+}
+
+}  // namespace
+
+void filter_interior(const BilateralPlane& plane, const PlaneMargins& margins,
+                     RangeWeightSource source) {
+  const PlaneArea area = inside(plane, margins);
+  if (area.row_first >= area.row_end || area.col_first >= area.col_end) return;
+  if (!is_window(plane.span_row) || !is_window(plane.span_col)) {
+    return clear_area(area, plane.width, plane.dst);
+  }
+  filter_area(plane, area, area, source);
+}
+
+void filter_plane(const BilateralPlane& plane, RangeWeightSource source) {
+  const PlaneArea whole = inside(plane, {});
+  if (whole.row_end <= 0 || whole.col_end <= 0) return;
+  if (!is_window(plane.span_row) || !is_window(plane.span_col)) {
+    return clear_area(whole, plane.width, plane.dst);
+  }
+  filter_area(plane, whole, inside(plane, border(plane)), source);
 }
 
 void filter_plane(const BilateralPlane& plane) {
   // Kept: from 16 on the stored weights, which are not built for such a threshold.
   const bool stored = plane.tuning->val_delta_th >= 16;
-  filter_area(plane, {}, stored ? RangeWeightSource::kStored : RangeWeightSource::kPolynomial);
+  filter_plane(plane, stored ? RangeWeightSource::kStored : RangeWeightSource::kPolynomial);
 }

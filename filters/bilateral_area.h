@@ -17,21 +17,25 @@ struct BilateralPlane {
   const bilateralfiltering_tuning* tuning;
 };
 
-// Rows and columns of the plane's edges that are left alone.
+// Rows and columns at the plane's edges.
 struct PlaneMargins {
-  int32_t top = 0;
-  int32_t bottom = 0;
-  int32_t left = 0;
-  int32_t right = 0;
+  int32_t top;
+  int32_t bottom;
+  int32_t left;
+  int32_t right;
 };
 
 // Where a range weight is taken from.
 enum class RangeWeightSource { kPolynomial, kStored };
 
-void filter_area(const BilateralPlane& plane, const PlaneMargins& margins,
-                 RangeWeightSource source);
+// What lies inside the margins, all of it rounded as the interior is.
+void filter_interior(const BilateralPlane& plane, const PlaneMargins& margins,
+                     RangeWeightSource source);
 
-// The whole plane, with the weights that the threshold asks for.
+// The whole plane.
+void filter_plane(const BilateralPlane& plane, RangeWeightSource source);
+
+// The same with the weights that the threshold asks for.
 void filter_plane(const BilateralPlane& plane);
 
 #endif  // VOREL_FILTERS_BILATERAL_AREA_H_

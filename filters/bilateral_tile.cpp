@@ -11,14 +11,20 @@
 
 namespace {
 
-// The filter's last step. The weights may have wrapped to anything, zero included. One half is
-// added in single precision for every sample, so that a sample's value does not depend on how far
-// it is from the plane's edge; in double precision only the quotient 0.5 - 2^-25 would end up
-// elsewhere (at 0, not 1), and sums of weights up to 11184810 never give it.
-inline uint8_t weighted_mean(uint32_t value_sum, uint32_t weight_sum) {
-  const float quotient = static_cast<float>(static_cast<int32_t>(value_sum)) /
-                         static_cast<float>(static_cast<int32_t>(weight_sum));
-  return clamp_u8(float_to_int32(quotient + 0.5f));
+// The filter's last step. The weights may have wrapped to anything, zero included.
+inline float quotient(uint32_t value_sum, uint32_t weight_sum) {
+  return static_cast<float>(static_cast<int32_t>(value_sum)) /
+         static_cast<float>(static_cast<int32_t>(weight_sum));
+}
+
+// One half is added in single precision in the plane's interior and in double precision at its
+// border. Only the quotient 0.5 - 2^-25 tells: 1 in the interior, 0 at the border.
+inline uint8_t interior_mean(uint32_t value_sum, uint32_t weight_sum) {
+  return clamp_u8(float_to_int32(quotient(value_sum, weight_sum) + 0.5f));
+}
+
+inline uint8_t border_mean(uint32_t value_sum, uint32_t weight_sum) {
+  return clamp_u8(double_to_int32(double{quotient(value_sum, weight_sum)} + 0.5));
 }
 
 // Sums of one row of the tile over one run of taps, with one byte of the range weights:
@@ -95,10 +101,13 @@ void add_polynomial(const TileWorkspace& work, bilateralfiltering_tuning tuning,
   }
 }
 
-void store_row(const uint32_t* value_sums, const uint32_t* weight_sums, int32_t cols,
-               uint8_t* __restrict dst) {
+// One row of a tile; its columns [first, end) are interior.
+void store_row(const uint32_t* value_sums, const uint32_t* weight_sums, int32_t cols, int32_t first,
+               int32_t end, uint8_t* __restrict dst) {
   VOREL_VECTORIZE
-  for (int32_t x = 0; x < cols; ++x) dst[x] = weighted_mean(value_sums[x], weight_sums[x]);
+  for (int32_t x = first; x < end; ++x) dst[x] = interior_mean(value_sums[x], weight_sums[x]);
+  for (int32_t x = 0; x < first; ++x) dst[x] = border_mean(value_sums[x], weight_sums[x]);
+  for (int32_t x = end; x < cols; ++x) dst[x] = border_mean(value_sums[x], weight_sums[x]);
 }
 
 // The sum of weights starts at 1 so that, short of wrapping, it is never 0.
@@ -111,8 +120,8 @@ void reset_sums(int32_t rows, TileSums* sums) {
 
 }  // namespace
 
-void filter_tile(const BilateralPlane& plane, const TileArea& area, const RangeWeights& weights,
-                 TileWorkspace* work) {
+void filter_tile(const BilateralPlane& plane, const TileArea& area, const PlaneArea& interior,
+                 const RangeWeights& weights, TileWorkspace* work) {
   const SourcePlane source{plane.src, plane.height, plane.width};
   reset_sums(area.rows, &work->sums);
   fill_tile(source, area, &work->centre);
@@ -134,8 +143,13 @@ void filter_tile(const BilateralPlane& plane, const TileArea& area, const RangeW
       }
     }
   }
-  for (int32_t y = 0; y < area.rows; ++y) {
-    store_row(work->sums.value[y], work->sums.weight[y], area.cols,
-              plane.dst + static_cast<ptrdiff_t>(area.row + y) * plane.width + area.col);
+  const int32_t first = std::clamp(interior.col_first - area.col, 0, area.cols);
+  const int32_t end = std::clamp(interior.col_end - area.col, first, area.cols);
+  for (int32_t row = area.row; row < area.row + area.rows; ++row) {
+    const int32_t y = row - area.row;
+    const bool inside = row >= interior.row_first && row < interior.row_end;
+    store_row(work->sums.value[y], work->sums.weight[y], area.cols, inside ? first : area.cols,
+              inside ? end : area.cols,
+              plane.dst + static_cast<ptrdiff_t>(row) * plane.width + area.col);
   }
 }

@@ -24,8 +24,9 @@ struct TileWorkspace {
   WindowTaps taps;
 };
 
-// Filters the samples of `area`. The plane's spans are at least 0 and below 2^30.
-void filter_tile(const BilateralPlane& plane, const TileArea& area, const RangeWeights& weights,
-                 TileWorkspace* work);
+// Filters the samples of `area`, rounding those of `interior` in single precision. The plane's
+// spans are at least 0 and below 2^30.
+void filter_tile(const BilateralPlane& plane, const TileArea& area, const PlaneArea& interior,
+                 const RangeWeights& weights, TileWorkspace* work);
 
 #endif  // VOREL_FILTERS_BILATERAL_TILE_H_

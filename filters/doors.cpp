@@ -26,22 +26,22 @@ void bilateral_filter_center_neon(uint8_t* src, uint8_t* dst, int32_t height, in
                                   int32_t top, int32_t bottom, int32_t left, int32_t right,
                                   int32_t spanRow, int32_t spanCol,
                                   struct bilateralfiltering_tuning* tuning) {
-  filter_area({src, dst, height, width, spanRow, spanCol, tuning}, {top, bottom, left, right},
-              RangeWeightSource::kPolynomial);
+  filter_interior({src, dst, height, width, spanRow, spanCol, tuning}, {top, bottom, left, right},
+                  RangeWeightSource::kPolynomial);
 }
 
 void bilateral_filter_opt(uint8_t* src, uint8_t* dst, int32_t height, int32_t width,
                           int32_t spanRow, int32_t spanCol,
                           struct bilateralfiltering_tuning* tuning) {
-  filter_area({src, dst, height, width, spanRow, spanCol, tuning}, {}, RangeWeightSource::kStored);
+  filter_plane({src, dst, height, width, spanRow, spanCol, tuning}, RangeWeightSource::kStored);
 }
 
 void bilateral_filter_opt_center_neon(uint8_t* src, uint8_t* dst, int32_t height, int32_t width,
                                       int32_t top, int32_t bottom, int32_t left, int32_t right,
                                       int32_t spanRow, int32_t spanCol,
                                       struct bilateralfiltering_tuning* tuning) {
-  filter_area({src, dst, height, width, spanRow, spanCol, tuning}, {top, bottom, left, right},
-              RangeWeightSource::kStored);
+  filter_interior({src, dst, height, width, spanRow, spanCol, tuning}, {top, bottom, left, right},
+                  RangeWeightSource::kStored);
 }
 
 void update_bilateral_filter_tuning(struct bilateralfiltering_tuning* tuning) {

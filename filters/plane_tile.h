@@ -23,6 +23,14 @@ struct PlaneTile {
   alignas(64) uint8_t rows[kTileRows + kPartSize - 1][kTilePitch];
 };
 
+// Samples [row_first, row_end) x [col_first, col_end) of a plane.
+struct PlaneArea {
+  int32_t row_first;
+  int32_t row_end;
+  int32_t col_first;
+  int32_t col_end;
+};
+
 // `rows` x `cols` samples from (row, col) on. A filtered tile has at most kTileRows x kLanes.
 struct TileArea {
   int32_t row;

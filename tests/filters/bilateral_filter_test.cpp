@@ -59,10 +59,17 @@ struct FilterCase {
   bilateralfiltering_tuning tuning;
 };
 
-uint8_t plain_mean(uint32_t value_sum, uint32_t weight_sum) {
+// Whether a sample is rounded in single precision: the interior, whose width is a multiple of 8.
+bool is_interior(const FilterCase& c, int y, int x) {
+  const int width = std::max(0, (c.width - 2 * c.span_col) & ~7);
+  const int left = (c.width - width) / 2;
+  return y >= c.span_row && y < c.height - c.span_row && x >= left && x < left + width;
+}
+
+uint8_t plain_mean(uint32_t value_sum, uint32_t weight_sum, bool interior) {
   const float quotient = static_cast<float>(static_cast<int32_t>(value_sum)) /
                          static_cast<float>(static_cast<int32_t>(weight_sum));
-  const float mean = quotient + 0.5f;
+  const double mean = interior ? quotient + 0.5f : double{quotient} + 0.5;
   if (!(mean > 0)) return 0;  // not a number too
   return mean > 255 ? 255 : static_cast<uint8_t>(mean);
 }
@@ -87,7 +94,7 @@ std::vector<uint8_t> filter_plainly(const FilterCase& c, const uint8_t* src, Ran
           value_sum += w * sample;
         }
       }
-      out.push_back(plain_mean(value_sum, weight_sum));
+      out.push_back(plain_mean(value_sum, weight_sum, is_interior(c, y, x)));
     }
   }
   return out;
@@ -282,15 +289,22 @@ TEST(BilateralFilter, WrappedSums) {
 }
 
 // Weights of 100000 and 50000: (64 * 100000 and twice 64 * 50000) give 6400000 / 12800001, in
-// single precision the largest quotient below one half. Adding one half rounds to 1.
-TEST(BilateralFilter, HalfIsAddedInSinglePrecision) {
+// single precision the largest quotient below one half. Adding one half in single precision rounds
+// to 1, in double precision it stays below: columns of 0 and 1 in turn become 1 inside, 0 at the
+// border.
+TEST(BilateralFilter, BorderAddsTheHalfInDoublePrecision) {
   bilateralfiltering_tuning tuning = default_tuning();
   tuning.val_delta_th = 1;
   tuning.val_weight_denom_shift = 0;
   std::fill(std::begin(tuning.val_weight_coef), std::end(tuning.val_weight_coef), 0);
   tuning.val_weight_coef[0] = 100000;
   tuning.val_weight_coef[1] = -50000;
-  EXPECT_EQ(1, filtered({0, 1}, 2, 0, 1, tuning)[0]);
+  std::vector<uint8_t> columns(3 * 20);
+  for (size_t i = 0; i < columns.size(); ++i) columns[i] = i % 2;
+  // 18 columns have their window in the plane, 16 of them are interior: columns 2 to 17.
+  std::vector<uint8_t> expected(columns.size());
+  for (size_t i = 0; i < columns.size(); ++i) expected[i] = i % 20 >= 2 && i % 20 < 18;
+  EXPECT_EQ(expected, filtered(columns, 20, 0, 1, tuning));
 }
 
 }  // namespace

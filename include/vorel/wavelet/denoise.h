@@ -43,7 +43,8 @@ class VOREL_EXPORT Denoise {
   /// Turns the inner areas of two half-precision planes into the interleaved 8-bit plane `out`
   /// as four jobs on the pool given to `setup` (on the calling thread without one). `staging` is
   /// not used and may be null. Parameters are percentages (CSatParam) and distances from neutral
-  /// (CSatThr). Returns 0.
+  /// (CSatThr). A sample that is not a number becomes 0 and does not count for its pair's gain,
+  /// which the other sample sets alone. Returns 0.
   int applySaturation(buffer* first, buffer* second, buffer* out, buffer* staging,
                       _Float16 CSatParam1, _Float16 CSatParam2, _Float16 CSatThr1,
                       _Float16 CSatThr2);
