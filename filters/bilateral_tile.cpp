@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
-#include <cstring>
 
 #include "filters/byte_lanes.h"
 #include "platform/numeric.h"
@@ -49,9 +48,9 @@ inline void add_tap(ByteLanes centre, ByteLanes neighbour, const WeightTable& ta
 template <typename Lanes>
 inline void add_to_memory(const Lanes& lanes, uint32_t* sums) {
   WordLanes total;
-  std::memcpy(&total, sums, sizeof total);
+  __builtin_memcpy(&total, sums, sizeof total);
   total += lanes;
-  std::memcpy(sums, &total, sizeof total);
+  __builtin_memcpy(sums, &total, sizeof total);
 }
 
 // Adds what the window's listed taps give with one table to the sums of `rows` rows.

@@ -10,7 +10,6 @@
 #endif
 
 #include <cstdint>
-#include <cstring>
 
 inline constexpr int32_t kLanes = 32;
 
@@ -20,7 +19,7 @@ using WordLanes = uint32_t __attribute__((vector_size(4 * kLanes)));
 
 inline ByteLanes load_lanes(const uint8_t* src) {
   ByteLanes lanes;
-  std::memcpy(&lanes, src, sizeof lanes);
+  __builtin_memcpy(&lanes, src, sizeof lanes);
   return lanes;
 }
 
@@ -52,11 +51,11 @@ inline ByteTable load_table(const uint8_t* entries) { return vld1q_u8(entries); 
 
 inline ByteLanes look_up(ByteTable table, ByteLanes index) {
   uint8x16_t halves[2];
-  std::memcpy(halves, &index, sizeof halves);
+  __builtin_memcpy(halves, &index, sizeof halves);
   halves[0] = vqtbl1q_u8(table, halves[0]);
   halves[1] = vqtbl1q_u8(table, halves[1]);
   ByteLanes entries;
-  std::memcpy(&entries, halves, sizeof entries);
+  __builtin_memcpy(&entries, halves, sizeof entries);
   return entries;
 }
 

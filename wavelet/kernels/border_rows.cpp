@@ -38,8 +38,10 @@ void pad_pairs_row(const uint8_t* pairs, _Float16* first, _Float16* second, cons
   std::fill_n(second, cut.pad, sample_of(pairs[1]));
   _Float16* __restrict inner_first = first + cut.pad;
   _Float16* __restrict inner_second = second + cut.pad;
+  // A local bound: stores of halves could change the record's where types may alias.
+  const size_t count = cut.inner;
   VOREL_VECTORIZE
-  for (size_t x = 0; x < cut.inner; ++x) {
+  for (size_t x = 0; x < count; ++x) {
     inner_first[x] = sample_of(pairs[2 * x]);
     inner_second[x] = sample_of(pairs[2 * x + 1]);
   }
