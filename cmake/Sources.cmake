@@ -3,6 +3,7 @@ set(VOREL_PLATFORM_SOURCES
   platform/clock.cpp
   platform/cpu.cpp
   platform/dump_image.cpp
+  platform/frame_dumps.cpp
   platform/thread_attributes.cpp)
 # Directories and properties from environment variables: the library on hosts, and test programs
 # everywhere.

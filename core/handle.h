@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "platform/debug_levels.h"
+#include "platform/frame_dumps.h"
 #include "platform/plane_dump.h"
 #include "threading/thread_pool_state.h"
 #include "tuning/tuning.h"
@@ -156,6 +157,7 @@ struct vorel {
   bool tuning_loaded;        // from a file or a text
   char tuning_version[kTuningVersionSize];
   char sensor_name[kSensorNameSize];
+  dump_counts dumps;  // of the last frame
 };
 
 // Whether the stages may queue jobs.

@@ -87,6 +87,7 @@ void make_dump_directory(vorel* handle, unsigned int sensorId) {
   }
   const time_t now = std::time(nullptr);
   tm local{};
+  tzset();  // localtime_r alone may keep the time zone that the process started with
   localtime_r(&now, &local);
   char time_text[32];
   std::strftime(time_text, sizeof(time_text), "%Y%m%d_%H%M%S", &local);

@@ -16,6 +16,7 @@ void* vorel_run(vorel* handle, void* in_address_1, void* in_address_2, int width
     VOREL_LOGI("vorel_run - X");
     return handle;
   }
+  const FrameDumps dumps(handle->debug_mode, handle->dump_path, &handle->dumps);
   if (handle->debug_mode >= kDebugDumpInput) {
     dump_frame(handle, frame_dump::kInput, format, in_address_1, in_address_2, width, height,
                noiseIndex);

@@ -21,7 +21,8 @@ enum vorel_image_type {
 /// rows are dense. When all four crop values are >= 0, only that rectangle of `buf1` is written and
 /// the name holds its size followed by "_crop"; a rectangle that leaves the image is refused and
 /// the file stays empty. An unknown type makes an empty file without extension.
-/// `buf2` is read for VOREL_IMAGE_NV21M only. An existing file is replaced. Failures are logged.
+/// `buf2` is read for VOREL_IMAGE_NV21M only. An existing file is replaced. Failures are logged;
+/// a file that cannot be written completely is removed.
 VOREL_EXPORT void dumpImage(int type, const char* dir, const char* prefix, const char* suffix,
                             const void* buf1, const void* buf2, unsigned width, unsigned height,
                             unsigned elementSize, int cropWidth, int cropHeight, int cropX,

@@ -1,7 +1,9 @@
 #include "core/dump.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <map>
 
 #include "tests/core/handle_fixture.h"
@@ -140,6 +142,66 @@ TEST_F(DumpTest, PlaneLevelWritesEveryPlane) {
             std::string(frame.uv.data(), frame.uv.data() + frame.uv.size()));
   EXPECT_EQ(content("Y_128_72.raw"),
             std::string(original.y.data(), original.y.data() + original.y.size()));
+}
+
+TEST_F(DumpTest, FolderIsNamedInTheTimeZoneOfNow) {
+  const ScopedEnv variable(kDebugVariable, "3");
+  use_tuning(kBothPaths);
+  std::string hours[2];
+  for (int i = 0; i < 2; ++i) {
+    const ScopedEnv zone("TZ", i == 0 ? "EAST-9" : "WEST+3");
+    vorel* handle = open(16, 16);
+    ASSERT_NE(handle, nullptr);
+    const std::string path = handle->dump_path;
+    hours[i] = path.substr(path.size() - 6, 2);
+    vorel_deinit(handle);
+  }
+  // 12 hours apart, or 11 or 13 when the hour has changed meanwhile.
+  EXPECT_NEAR(std::abs(std::stoi(hours[0]) - std::stoi(hours[1])), 12, 1) << hours[0] << hours[1];
+}
+
+// A frame at this level writes 52 files; whatever is wrong with the folder is told once.
+TEST_F(DumpTest, TroubleIsToldOnceAFrame) {
+  const ScopedEnv variable(kDebugVariable, "5");
+  use_tuning(kBothPaths);
+  enum class Trouble { kNone, kNoFolder, kFolderGone, kNoSpace };
+  const struct {
+    Trouble kind;
+    dump_counts counts;
+    std::string line;
+  } cases[] = {
+      {Trouble::kNone, {52, 0, 0}, ""},
+      {Trouble::kNoFolder, {0, 52, ENOENT}, "Failed to open dump file /input_128_72_0_640.nv21!"},
+      {Trouble::kFolderGone, {0, 52, ENOENT}, "Failed to open dump file "},
+      // Two frames, three planes of luma's size and four bordered ones exceed the limit.
+      {Trouble::kNoSpace, {43, 9, EFBIG}, "Failed to write dump file "},
+  };
+  ASSERT_NE(signal(SIGXFSZ, SIG_IGN), SIG_ERR);
+  for (const auto& c : cases) {
+    const ScopedEnv folder("VOREL_DUMP_DIR",
+                           c.kind == Trouble::kNoFolder ? "/proc/none" : dumps_.path().c_str());
+    vorel* handle = open(128, 72);
+    ASSERT_NE(handle, nullptr);
+    if (c.kind == Trouble::kFolderGone) std::filesystem::remove_all(handle->dump_path);
+    rlimit limit;
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit small{6400, limit.rlim_max};
+    if (c.kind == Trouble::kNoSpace) setrlimit(RLIMIT_FSIZE, &small);
+    log_.clear();
+    TestFrame frame(128, 72);
+    run(handle, &frame);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    EXPECT_EQ(log_.errors(), c.kind == Trouble::kNone ? 0 : 1);
+    if (!c.line.empty()) EXPECT_EQ(log_.count_prefix(c.line), 1) << c.line;
+    EXPECT_EQ(log_.count_prefix("Image is dumped in "), c.counts.written);
+    EXPECT_EQ(files().size(), static_cast<size_t>(c.counts.written)) << "incomplete files stay";
+    EXPECT_EQ(handle->dumps.written, c.counts.written) << c.line;
+    EXPECT_EQ(handle->dumps.failed, c.counts.failed) << c.line;
+    EXPECT_EQ(handle->dumps.error, c.counts.error) << c.line;
+    vorel_deinit(handle);
+    std::filesystem::remove_all(dumps_.path());
+    std::filesystem::create_directory(dumps_.path());
+  }
 }
 
 }  // namespace

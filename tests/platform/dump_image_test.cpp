@@ -68,6 +68,16 @@ TEST_F(DumpImageTest, FileThatCannotBeOpened) {
   EXPECT_EQ(log_.count("Failed to open dump file /p_1_1.raw!"), 1);
 }
 
+// The name leads to a device that is always full.
+TEST_F(DumpImageTest, FullDisk) {
+  const std::string name = dumps_.path() / "p_4_2.raw";
+  std::filesystem::create_symlink("/dev/full", name);
+  dump(0, dumps_.path(), "p_", nullptr, "abcdefgh", nullptr, 4, 2);
+  dump(0, dumps_.path(), "p_", nullptr, "abcdefgh", nullptr, 4, 2);
+  EXPECT_EQ(log_.count("Failed to write dump file " + name + ": No space left on device"), 2);
+  EXPECT_EQ(log_.lines().size(), 2u);
+}
+
 TEST(ClockTest, ElapsedTime) {
   timeval past;
   set_current_time(&past);
