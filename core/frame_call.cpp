@@ -125,6 +125,7 @@ vorel_status process_planes(vorel* handle, int32_t slot, const dense_planes& pla
     dump_frame(handle, which, request.format, planes.luma, planes.chroma, planes.width,
                planes.height, info->noise_index);
   };
+  const FrameDumps dumps(handle->debug_mode, handle->dump_path, &handle->dumps);
   if (handle->debug_mode >= kDebugDumpInput) dump(frame_dump::kInput);
   // What a vorel_run has left would be forgotten, and so lost, when this frame gets its own.
   free_half_planes(handle);
@@ -137,6 +138,9 @@ vorel_status process_planes(vorel* handle, int32_t slot, const dense_planes& pla
     fill_report(handle, report, info);
     if (handle->debug_mode >= kDebugDumpOutput) dump(frame_dump::kOutput);
   }
+  info->dumps_written = handle->dumps.written;
+  info->dumps_failed = handle->dumps.failed;
+  info->dumps_error = handle->dumps.error;
   return status;
 }
 

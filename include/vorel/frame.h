@@ -93,6 +93,9 @@ typedef struct vorel_frame_info {
   int64_t
       stage_usec[VOREL_STAGE_COUNT]; /* wall-clock microseconds; 0 for a stage that did not run */
   int64_t total_usec;                /* of the whole call */
+  int32_t dumps_written;             /* files, at debug levels with dumps */
+  int32_t dumps_failed;              /* files that could not be written completely */
+  int32_t dumps_error;               /* errno of the first of those, 0 without one */
 } vorel_frame_info;
 
 /* Denoises one frame in place and returns when it is done. Never waits for ever, keeps no pointer,
