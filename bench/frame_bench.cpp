@@ -21,11 +21,7 @@ class BenchHandle {
     handle_->tuning.enable = paths != Paths::kWavelet ? 1 : 0;
     handle_->tuning.mfd_uv_tuning.enable = paths != Paths::kSpatial ? 1 : 0;
   }
-  ~BenchHandle() {
-    if (workers_started_) handle_->pool[0]->deinit();
-    handle_->pool_ready[0] = 0;
-    vorel_deinit(handle_);
-  }
+  ~BenchHandle() { vorel_deinit(handle_); }
   BenchHandle(const BenchHandle&) = delete;
   BenchHandle& operator=(const BenchHandle&) = delete;
 
@@ -38,10 +34,8 @@ class BenchHandle {
   // The record of a frame whose workers are up, for calling stages one by one.
   vorel_thread* hold_frame() {
     run(640);
-    const worker_options& workers = handle_->workers;
-    handle_->pool[0]->init(workers.count, static_cast<int>(workers.cpu_mask), 0);
-    handle_->pool_ready[0] = 1;
-    workers_started_ = true;
+    static_cast<void>(start_pool(&handle_->pool));
+    join_pool(&handle_->pool);
     return &handle_->thread[0];
   }
   void set_threshold(int noise_index) { handle_->tuning.enableNoiseIndex = noise_index; }
@@ -50,7 +44,6 @@ class BenchHandle {
   FrameSize size_;
   std::vector<uint8_t> frame_;
   vorel* handle_;
-  bool workers_started_ = false;
 };
 
 void register_stage(const std::string& name, int (*stage)(vorel_thread*), Paths paths) {

@@ -34,11 +34,15 @@ set(VOREL_CORE_SOURCES
   core/continued_frame.cpp
   core/deinterleave_stage.cpp
   core/dump.cpp
+  core/dump_directory.cpp
   core/frame.cpp
   core/frame_call.cpp
   core/frame_guard.cpp
+  core/frame_planes.cpp
+  core/frame_pool.cpp
   core/interleave_stage.cpp
   core/lifecycle.cpp
+  core/make_handle.cpp
   core/open.cpp
   core/run.cpp
   core/run_thread.cpp

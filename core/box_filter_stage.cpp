@@ -45,8 +45,8 @@ int vorel_box_filter(vorel_thread* run) {
   StageTimer timer(run->debug_mode);
   VOREL_LOGI("vorel_box_filter");
   fill_box_filter_jobs(run);
-  if (first_pool_ready(run)) {
-    run_jobs(run->pool[0], filter_strip_job, run->box_jobs, kBoxFilterJobs);
+  if (ThreadPool* pool = ready_threads(run->pool)) {
+    run_jobs(pool, filter_strip_job, run->box_jobs, kBoxFilterJobs);
   } else {
     run->report.skip(VOREL_STAGE_BOX_FILTER, false);
   }
@@ -54,8 +54,7 @@ int vorel_box_filter(vorel_thread* run) {
   timer.restart();
   y_low_downsample(run);
   timer.log("y_low_downsample");
-  const stage_record& stage = run->box_filter_stage;
-  dump_plane(stage, "d_Y_low_", {run->downsampled_y, run->width >> 4, run->aligned_height >> 4});
-  dump_plane(stage, "Y_high_", {run->y_high, run->width, run->aligned_height});
+  dump_plane(*run, "d_Y_low_", {run->downsampled_y, run->width >> 4, run->aligned_height >> 4});
+  dump_plane(*run, "Y_high_", {run->y_high, run->width, run->aligned_height});
   return 0;
 }

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "core/frame_size.h"
+
 namespace {
 
 // One plane of the frame and its place in the dense planes; an element is a sample or a pair.
@@ -65,7 +67,7 @@ void copy_plane_back(const plane_copy& copy) {
 }  // namespace
 
 dense_planes dense_size(const vorel_frame& frame) {
-  return {nullptr, nullptr, (frame.width + 15) & ~15, frame.height + frame.height % 2};
+  return {nullptr, nullptr, align_up_16(frame.width), frame.height + frame.height % 2};
 }
 
 bool is_dense(const vorel_frame& frame) {

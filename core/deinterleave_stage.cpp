@@ -28,9 +28,8 @@ int vorel_deinterleave(vorel_thread* run) {
     return -1;
   }
   timer.log("vorel_deinterleave");
-  const stage_record& stage = run->deinterleave_stage;
-  dump_plane(stage, "d_U_", {run->downsampled_u, run->width >> 4, run->aligned_height >> 4});
-  dump_plane(stage, "d_V_", {run->downsampled_v, run->width >> 4, run->aligned_height >> 4});
-  dump_plane(stage, "Y_", {run->y_source, run->width, luma_rows});
+  dump_plane(*run, "d_U_", {run->downsampled_u, run->width >> 4, run->aligned_height >> 4});
+  dump_plane(*run, "d_V_", {run->downsampled_v, run->width >> 4, run->aligned_height >> 4});
+  dump_plane(*run, "Y_", {run->y_source, run->width, luma_rows});
   return 0;
 }

@@ -33,7 +33,4 @@ enum class frame_end {
 // Runs the stages on the frame and waits for them. The caller holds `slot`.
 frame_end run_frame(vorel* handle, int32_t slot, const frame_request& request);
 
-// Frees the half-precision planes of the last frame. The caller holds the slot.
-void free_half_planes(vorel* handle);
-
 #endif  // VOREL_CORE_FRAME_H_

@@ -8,6 +8,7 @@
 #include "core/continued_frame.h"
 #include "core/dump.h"
 #include "core/frame.h"
+#include "core/frame_size.h"
 #include "platform/log.h"
 #include "tuning/tuning.h"
 
@@ -31,10 +32,7 @@ vorel_status check_frame(const vorel* handle, const vorel_frame* frame) {
   }
   if (frame->luma == nullptr || frame->chroma == nullptr) return VOREL_BAD_PLANE;
   if (frame->width < 2 || frame->height < 2) return VOREL_BAD_SIZE;
-  // In 64 bits: sizes may be close to the largest int32.
-  const int64_t width = (int64_t{frame->width} + 15) / 16 * 16;
-  const int64_t height = (int64_t{frame->height} + 15) / 16 * 16;
-  if (height > handle->luma_plane_bytes / width) return VOREL_BAD_SIZE;
+  if (block_plane_samples(frame->width, frame->height) > handle->luma_bytes) return VOREL_BAD_SIZE;
   if (frame->luma_stride < frame->width || frame->chroma_stride < (frame->width + 1) / 2 * 2) {
     return VOREL_BAD_STRIDE;
   }
@@ -75,7 +73,7 @@ void leave_slot(vorel* handle, int32_t slot, slot_hold hold) {
 // the next frame, and large enough for any that the handle takes.
 uint8_t* room_for_frame(vorel* handle) {
   if (handle->continued_frame == nullptr) {
-    const size_t luma_bytes = static_cast<size_t>(handle->luma_plane_bytes);
+    const size_t luma_bytes = static_cast<size_t>(handle->luma_bytes);
     handle->continued_frame = static_cast<uint8_t*>(std::malloc(luma_bytes + luma_bytes / 2));
   }
   return handle->continued_frame;
@@ -112,7 +110,7 @@ void fill_values(const cnr_tuning& tuning, vorel_frame_info* info) {
 
 void fill_report(const vorel* handle, const frame_report& report, vorel_frame_info* info) {
   info->skipped = report.skipped;
-  info->workers = report.had_workers ? handle->workers.count : 0;
+  info->workers = report.had_workers ? handle->pool.worker_count : 0;
   std::copy(std::begin(report.stage_usec), std::end(report.stage_usec), info->stage_usec);
 }
 
@@ -128,9 +126,9 @@ vorel_status process_planes(vorel* handle, int32_t slot, const dense_planes& pla
   const FrameDumps dumps(handle->debug_mode, handle->dump_path, &handle->dumps);
   if (handle->debug_mode >= kDebugDumpInput) dump(frame_dump::kInput);
   // What a vorel_run has left would be forgotten, and so lost, when this frame gets its own.
-  free_half_planes(handle);
+  return_half_planes(handle, &handle->spare);
   const frame_end end = run_frame(handle, slot, request);
-  free_half_planes(handle);
+  return_half_planes(handle, &handle->spare);
   const frame_report& report = handle->thread[slot].report;
   const vorel_status status = status_of(end, report);
   if (end != frame_end::kNoPoolThread) fill_values(handle->tuning, info);

@@ -1,12 +1,12 @@
 #include "core/frame_guard.h"
 
+#include "core/formats.h"
+#include "core/frame_size.h"
 #include "platform/log.h"
-#include "vorel/vorel.h"
 
 bool frame_fits(const void* plane_1, const void* plane_2, int width, int height, uint32_t format,
                 int32_t luma_plane_bytes) {
-  const bool two_planes = format == VOREL_FMT_NV21 || format == VOREL_FMT_NM21;
-  if (plane_1 == nullptr || (two_planes && plane_2 == nullptr)) {
+  if (plane_1 == nullptr || (is_planar_420(format) && plane_2 == nullptr)) {
     VOREL_LOGE("vorel_run, refused frame: null plane, in_address_1(%p), in_address_2(%p)", plane_1,
                plane_2);
     return false;
@@ -19,9 +19,7 @@ bool frame_fits(const void* plane_1, const void* plane_2, int width, int height,
     VOREL_LOGE("vorel_run, refused frame: height(%d) is below 2", height);
     return false;
   }
-  // In 64 bits: height may be close to the largest int32.
-  const int64_t needed = (static_cast<int64_t>(height) + 15) / 16 * 16 * width;
-  if (needed > luma_plane_bytes) {
+  if (block_plane_samples(width, height) > luma_plane_bytes) {
     VOREL_LOGE("vorel_run, refused frame: width(%d), height(%d) need more than was allocated",
                width, height);
     return false;

@@ -4,14 +4,6 @@
 
 #include <cstdint>
 
-// `height` rounded up and down to a multiple of 16.
-constexpr int32_t align_up_16(int32_t height) {
-  return static_cast<int32_t>((static_cast<uint32_t>(height) + 15u) & ~15u);
-}
-constexpr int32_t align_down_16(int32_t height) {
-  return static_cast<int32_t>(static_cast<uint32_t>(height) & ~15u);
-}
-
 // Whether a frame may be read and processed; the reason of a refusal is logged. `plane_2` matters
 // for NV21 and NM21 only. `luma_plane_bytes` is what init allocated for one full-size plane; the
 // smaller planes then fit too, because all sizes are multiples of 16.

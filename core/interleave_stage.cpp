@@ -1,14 +1,17 @@
 #include "convert/restore_strip.h"
-#include "core/frame_guard.h"
+#include "core/frame_size.h"
 #include "core/stages.h"
 #include "platform/log.h"
 #include "platform/stage_timer.h"
 #include "threading/run_jobs.h"
+#include "wavelet/stage_layout.h"
 
 namespace {
 
 // Kept: strips are multiples of 16 rows, so frames below 1024 rows are one strip, the last.
-int32_t strip_rows(const vorel_thread* run) { return align_down_16(run->aligned_height / 64); }
+int32_t strip_rows(const vorel_thread* run) {
+  return align_down_16(run->aligned_height / kInterleaveJobs);
+}
 
 void place_planar_strip(const vorel_thread* run, interleave_job* job, size_t first_row) {
   const size_t luma = first_row * static_cast<size_t>(run->width);
@@ -25,7 +28,7 @@ void place_planar_strip(const vorel_thread* run, interleave_job* job, size_t fir
   job->mfd_v = nullptr;
   if (run->mfd_u != nullptr && run->mfd_v != nullptr) {
     const size_t inner =
-        (kMfdBorder + chroma_row) * static_cast<size_t>(run->mfd_width) + kMfdBorder;
+        (kPlaneBorder + chroma_row) * static_cast<size_t>(run->mfd_width) + kPlaneBorder;
     job->mfd_u = run->mfd_u + inner;
     job->mfd_v = run->mfd_v + inner;
   }
@@ -86,8 +89,8 @@ int vorel_interleave(vorel_thread* run) {
     return 0;
   }
   fill_interleave_jobs(run);
-  if (first_pool_ready(run)) {
-    run_jobs(run->pool[0], vorel_interleave_thread_func, run->interleave_jobs, kInterleaveJobs);
+  if (ThreadPool* pool = ready_threads(run->pool)) {
+    run_jobs(pool, vorel_interleave_thread_func, run->interleave_jobs, kInterleaveJobs);
   } else {
     run->report.skip(VOREL_STAGE_INTERLEAVE, false);
   }

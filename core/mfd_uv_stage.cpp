@@ -62,7 +62,7 @@ buffer describe_frame_chroma(const vorel_thread* run, uint8_t* chroma) {
 }
 
 void dump_chroma(const vorel_thread* run, const char* prefix, const uint8_t* chroma) {
-  dump_plane({run->debug_mode, run->dump_path}, prefix, {chroma, run->width, run->height / 2});
+  dump_plane(*run, prefix, {chroma, run->width, run->height / 2});
 }
 
 // Returns false when memory was short; the frame then keeps its chroma.
@@ -92,7 +92,8 @@ int MFD_UV(vorel_thread* run) {
     run->report.skip(VOREL_STAGE_MFD_UV, true);
     return 0;
   }
-  if (!first_pool_ready(run)) {
+  ThreadPool* pool = ready_threads(run->pool);
+  if (pool == nullptr) {
     VOREL_LOGE("MFD_UV, skipped: no worker threads");
     run->report.skip(VOREL_STAGE_MFD_UV, false);
     return 0;
@@ -105,10 +106,10 @@ int MFD_UV(vorel_thread* run) {
       describe_plane(run->y_high, run->aligned_height, run->width, 0),
   };
   ChromaPostProcess process;
-  const bool ready = process.setup(run->width, run->height, p.thresholds, p.radial_mode,
-                                   p.sat_param_1, p.sat_param_2, p.sat_thr_1, p.sat_thr_2,
-                                   run->debug_mode, const_cast<char*>(run->dump_path), run->pool[0],
-                                   run->pool[1], run->pool[2], borrow);
+  const bool ready =
+      process.setup(run->width, run->height, p.thresholds, p.radial_mode, p.sat_param_1,
+                    p.sat_param_2, p.sat_thr_1, p.sat_thr_2, run->debug_mode,
+                    const_cast<char*>(run->dump_path), pool, nullptr, nullptr, borrow);
   if (!ready || !process_chroma(run, &process)) {
     run->report.skip(VOREL_STAGE_MFD_UV, true);
   }

@@ -3,7 +3,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "core/lifecycle.h"
+#include "core/frame_size.h"
+#include "core/make_handle.h"
 #include "platform/log.h"
 
 namespace {
@@ -18,9 +19,7 @@ bool in_range(int32_t value, int32_t first, int32_t last) {
 vorel_status check_options(const vorel_options* options) {
   if (options == nullptr || options->size != sizeof(vorel_options)) return VOREL_BAD_RECORD;
   if (options->width < 2 || options->height < 2) return VOREL_BAD_SIZE;
-  const int64_t width = (int64_t{options->width} + 15) / 16 * 16;
-  const int64_t height = (int64_t{options->height} + 15) / 16 * 16;
-  if (height > INT32_MAX / width) return VOREL_BAD_SIZE;
+  if (block_plane_samples(options->width, options->height) > INT32_MAX) return VOREL_BAD_SIZE;
   const bool known_scenario =
       options->scenario == VOREL_SCENARIO_CAPTURE || options->scenario == VOREL_SCENARIO_PREVIEW;
   const bool named = options->thread_name != nullptr && options->thread_name[0] != '\0' &&
@@ -40,7 +39,7 @@ vorel* vorel_open(const vorel_options* options, vorel_status* status) {
   vorel_status result = check_options(options);
   if (result == VOREL_DONE) {
     vorel_options aligned = *options;
-    aligned.width = (aligned.width + 15) & ~15;
+    aligned.width = align_up_16(aligned.width);
     handle = make_handle(aligned, &result);
   }
   if (result != VOREL_DONE) VOREL_LOGE("vorel_open, %s", vorel_status_text(result));
@@ -61,7 +60,7 @@ vorel_status vorel_get_handle_info(const vorel* handle, vorel_handle_info* info)
   std::copy_n(tuning.NILevel, found.level_count, found.levels);
   found.spatial = tuning.enable;
   found.wavelet = tuning.mfd_uv_tuning.enable;
-  found.workers = handle->workers.count;
+  found.workers = handle->pool.worker_count;
   std::snprintf(found.sensor_name, sizeof(found.sensor_name), "%s", handle->sensor_name);
   std::snprintf(found.tuning_date, sizeof(found.tuning_date), "%s", handle->tuning_version);
   std::snprintf(found.dump_path, sizeof(found.dump_path), "%s", handle->dump_path);

@@ -12,7 +12,7 @@ void* vorel_run(vorel* handle, void* in_address_1, void* in_address_2, int width
   }
   const auto format = static_cast<uint32_t>(format_code);
   if (below_gate(handle, "vorel_run", noiseIndex) ||
-      !frame_fits(in_address_1, in_address_2, width, height, format, handle->luma_plane_bytes)) {
+      !frame_fits(in_address_1, in_address_2, width, height, format, handle->luma_bytes)) {
     VOREL_LOGI("vorel_run - X");
     return handle;
   }
@@ -54,6 +54,6 @@ void vorel_release_frame_buffers(vorel* handle) {
   if (handle == nullptr) return;
   pthread_mutex_t* mutex = &handle->slot_mutex[0];
   pthread_mutex_lock(mutex);
-  free_half_planes(handle);
+  return_half_planes(handle, &handle->spare);
   pthread_mutex_unlock(mutex);
 }

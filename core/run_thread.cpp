@@ -1,6 +1,7 @@
+#include "core/run_thread.h"
+
 #include <chrono>
 
-#include "core/run.h"
 #include "core/stages.h"
 #include "platform/log.h"
 #include "platform/thread_attributes.h"
@@ -59,17 +60,11 @@ void* vorel_run_thread(void* argument) {
   }
   timeval start{};
   if (run->debug_mode == kDebugTiming) set_current_time(&start);
-  set_thread_nice(run->workers->nice);
-  if (*run->preinit_joined == 0) {
-    pthread_join(*run->preinit_thread, nullptr);
-    *run->preinit_joined = 1;
-  }
-  run->report.had_workers = first_pool_ready(run);
+  set_thread_nice(run->nice);
+  join_pool(run->pool);
+  run->report.had_workers = ready_threads(run->pool) != nullptr;
   run_stages(run);
-  if (first_pool_ready(run)) {
-    run->pool[0]->deinit();
-    *run->pool_ready[0] = 0;
-  }
+  stop_pool(run->pool);
   if (run->debug_mode == kDebugTiming) {
     const float elapsed_msec = static_cast<float>(get_elapsed_time_usec(&start)) / 1000.0f;
     VOREL_LOGI("vorel_run_thread stop: handle %p, elapsed time %.3lf", argument,

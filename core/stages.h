@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+#include "core/formats.h"
 #include "core/handle.h"
 #include "vorel/export.h"
 
@@ -39,14 +40,6 @@ void* vorel_v_job(void* run);
 
 // Pool job of vorel_interleave; the argument is an interleave_job. Returns null.
 void* vorel_interleave_thread_func(void* job);
-
-[[nodiscard]] inline bool is_planar_420(uint32_t format) {
-  return format == VOREL_FMT_NV21 || format == VOREL_FMT_NM21;
-}
-
-[[nodiscard]] inline bool is_packed_422(uint32_t format) {
-  return format == VOREL_FMT_YUYV || format == VOREL_FMT_YUY2;
-}
 
 // Whether the restore step writes chroma to the half-precision planes, from which the wavelet stage
 // goes on. With either threshold 0 it writes nothing, and the wavelet stage reads the frame.

@@ -25,7 +25,7 @@ void filter_chroma(const vorel_thread* run, const chroma_plane& plane) {
                 tuning->span_UV_row, tuning->span_UV_col, tuning});
   timer.log(plane.timing_name);
   timer.restart();
-  dump_plane(run->yuv_stage, plane.dump_prefix, {plane.filtered, block_cols(run), block_rows(run)});
+  dump_plane(*run, plane.dump_prefix, {plane.filtered, block_cols(run), block_rows(run)});
   const upsample_job job{block_cols(run), block_rows(run), plane.filtered, plane.upsampled};
   if (is_packed_422(run->format)) {
     upsample_plane(job, Upsampling::k8x16);
@@ -48,7 +48,7 @@ void* vorel_y_job(void* argument) {
                 tuning->span_Y_row, tuning->span_Y_col, tuning});
   timer.log("vorel_y");
   timer.restart();
-  dump_plane(run->yuv_stage, "f_Y_low_", {run->filtered_y, block_cols(run), block_rows(run)});
+  dump_plane(*run, "f_Y_low_", {run->filtered_y, block_cols(run), block_rows(run)});
   const upsample_job job{block_cols(run), block_rows(run), run->filtered_y, run->y_low};
   upsample_plane(job, Upsampling::k16x16);
   timer.log("upsample_y");
@@ -69,8 +69,7 @@ void* vorel_v_job(void* argument) {
 
 int vorel_yuv(vorel_thread* run) {
   VOREL_LOGI("vorel_yuv");
-  if (first_pool_ready(run)) {
-    ThreadPool* pool = run->pool[0];
+  if (ThreadPool* pool = ready_threads(run->pool)) {
     for (auto* job : {vorel_y_job, vorel_u_job, vorel_v_job}) {
       if (pool->addWork(job, run) != 0) job(run);
     }
@@ -78,11 +77,10 @@ int vorel_yuv(vorel_thread* run) {
   } else {
     run->report.skip(VOREL_STAGE_YUV, false);
   }
-  const stage_record& stage = run->yuv_stage;
   const int32_t chroma_rows =
       is_packed_422(run->format) ? run->aligned_height : run->aligned_height / 2;
-  dump_plane(stage, "u_Y_low_", {run->y_low, run->width, run->aligned_height});
-  dump_plane(stage, "u_U_", {run->upsampled_u, run->width / 2, chroma_rows});
-  dump_plane(stage, "u_V_", {run->upsampled_v, run->width / 2, chroma_rows});
+  dump_plane(*run, "u_Y_low_", {run->y_low, run->width, run->aligned_height});
+  dump_plane(*run, "u_U_", {run->upsampled_u, run->width / 2, chroma_rows});
+  dump_plane(*run, "u_V_", {run->upsampled_v, run->width / 2, chroma_rows});
   return 0;
 }

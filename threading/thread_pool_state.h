@@ -13,6 +13,7 @@
 
 #include "threading/job_queue.h"
 #include "threading/mutex.h"
+#include "threading/thread_name.h"
 #include "vorel/thread_pool.h"
 
 // Record of one worker. All fields but `id` are set before the worker starts and then belong to
@@ -25,9 +26,6 @@ struct thread {
   uint32_t affinity_mask;
   int32_t name_tag;
 };
-
-// Longest first part of a worker's name; the system keeps 15 characters of the whole.
-inline constexpr size_t kThreadNameSize = 9;
 
 // Room for what a shared pointer stores beside its object.
 inline constexpr size_t kSharedOverhead = 128;

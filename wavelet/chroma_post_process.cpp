@@ -11,17 +11,14 @@
 #include "threading/run_jobs.h"
 #include "vorel/wavelet/border_handler.h"
 #include "wavelet/plane_storage.h"
+#include "wavelet/stage_layout.h"
 
 namespace {
 
-constexpr uint32_t kBorder = 32;
-constexpr int kBands = 4;
 constexpr _Float16 kThresholdScale = std::bit_cast<_Float16>(uint16_t{0x508D});  // 36.40625
 
 // Planes that the Haar step works on per chroma plane: seven bands and four working planes.
 constexpr uint32_t kHaarPlanes = 11;
-
-uint32_t round_up_to_even(uint32_t value) { return (value + 1) & ~1u; }
 
 // Half of `padded`, then half of that, rounded up.
 uint32_t quarter_of(uint32_t padded) { return padded / 4 + padded / 2 % 2; }
@@ -48,8 +45,8 @@ void fill_thresholds(const _Float16* thr, _Float16* table) {
 
 void describe_padded(buffer* plane, uint32_t kind, wavelet_size inner) {
   plane->kind = kind;
-  plane->padX = kBorder;
-  plane->padY = kBorder;
+  plane->padX = kPlaneBorder;
+  plane->padY = kPlaneBorder;
   plane->innerWidth = inner.width;
   plane->innerHeight = inner.height;
 }
@@ -118,8 +115,7 @@ void ChromaPostProcess::setSizes(int width, int height) {
   width_ = width;
   height_ = height;
   uvSize_ = {static_cast<uint32_t>(width) / 2, static_cast<uint32_t>(height) / 2};
-  uvSizeB_ = {round_up_to_even(uvSize_.width + 2 * kBorder),
-              round_up_to_even(uvSize_.height + 2 * kBorder)};
+  uvSizeB_ = {padded_size(uvSize_.width), padded_size(uvSize_.height)};
   uvL1SizeB_ = {uvSizeB_.width / 2, uvSizeB_.height / 2};
   uvL2SizeB_ = {quarter_of(uvSizeB_.width), quarter_of(uvSizeB_.height)};
   VOREL_LOGI(
@@ -192,13 +188,13 @@ void ChromaPostProcess::fillPadded(buffer* in, buffer* planes) {
     timer.log("BorderHandler::runPad");
     return;
   }
-  const uint32_t band = uvSizeB_.height / kBands;
-  copy_and_pad_job jobs[kBands];
-  for (uint32_t i = 0; i < kBands; ++i) {
-    const uint32_t end = i + 1 < kBands ? (i + 1) * band : uvSizeB_.height;
+  const uint32_t band = uvSizeB_.height / kCopyAndPadJobs;
+  copy_and_pad_job jobs[kCopyAndPadJobs];
+  for (uint32_t i = 0; i < kCopyAndPadJobs; ++i) {
+    const uint32_t end = i + 1 < kCopyAndPadJobs ? (i + 1) * band : uvSizeB_.height;
     jobs[i] = {in, &planes[0], &planes[1], i * band, end};
   }
-  run_jobs(pools_[0], runCopyAndPadFunc, jobs, kBands);
+  run_jobs(pools_[0], runCopyAndPadFunc, jobs, kCopyAndPadJobs);
   timer.log("BorderHandler::runCopyAndPad");
 }
 
@@ -209,7 +205,7 @@ void ChromaPostProcess::dumpPadded(const char* name, const buffer* planes, bool 
     std::snprintf(prefix, sizeof(prefix), "%s%s", name, i == 0 ? "U_" : "V_");
     if (cropped) {
       dump_plane(stage, prefix, view_of(planes[i]),
-                 {kBorder, kBorder, static_cast<int32_t>(uvSize_.width),
+                 {kPlaneBorder, kPlaneBorder, static_cast<int32_t>(uvSize_.width),
                   static_cast<int32_t>(uvSize_.height)});
     } else {
       dump_plane(stage, prefix, view_of(planes[i]));

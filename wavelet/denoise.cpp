@@ -11,12 +11,12 @@
 #include "wavelet/kernels/saturation_rows.h"
 #include "wavelet/kernels/shrinkage_rows.h"
 #include "wavelet/plane_storage.h"
+#include "wavelet/stage_layout.h"
 
 namespace {
 
 constexpr int kHaarBands = 7;
 constexpr int kDetailBands = 3;  // of one Symlet level
-constexpr uint32_t kSaturationJobCount = 4;
 
 constexpr _Float16 kSymletScale = static_cast<_Float16>(5.83984375f);  // 0x45D7
 constexpr _Float16 kHaarScale = static_cast<_Float16>(11.6796875f);    // 0x49D7
@@ -147,15 +147,15 @@ int Denoise::applySaturation(buffer* first, buffer* second, buffer* out, buffer*
              static_cast<int>(first->padX), static_cast<int>(first->padY),
              static_cast<int>(first->innerWidth), static_cast<int>(first->innerHeight),
              static_cast<int>(out->width), static_cast<int>(out->height));
-  const uint32_t band = out->height / kSaturationJobCount;
-  saturation_job jobs[kSaturationJobCount];
-  for (uint32_t i = 0; i < kSaturationJobCount; ++i) {
-    const bool last = i + 1 == kSaturationJobCount;
+  const uint32_t band = out->height / kSaturationJobs;
+  saturation_job jobs[kSaturationJobs];
+  for (uint32_t i = 0; i < kSaturationJobs; ++i) {
+    const bool last = i + 1 == kSaturationJobs;
     const uint32_t end = last ? out->height : (i + 1) * band;  // the last band takes the remainder
     jobs[i] = {this,       first,    second,   out,      staging, CSatParam1,
                CSatParam2, CSatThr1, CSatThr2, i * band, end};
   }
-  run_jobs(pool_, applySaturationRegionFunc, jobs, kSaturationJobCount);
+  run_jobs(pool_, applySaturationRegionFunc, jobs, kSaturationJobs);
   timer.log("Denoise::applySaturation");
   return 0;
 }

@@ -1,5 +1,3 @@
-#include "core/lifecycle.h"
-
 #include <gmock/gmock.h>
 #include <malloc.h>
 #include <sys/stat.h>
@@ -24,7 +22,7 @@ TEST_F(LifecycleTest, StoresSizesAndLogsInOrder) {
   EXPECT_EQ(handle->aligned_height, 1088);
   EXPECT_EQ(handle->height_floor16, 1072);
   EXPECT_EQ(handle->slot, -1);
-  EXPECT_EQ(handle->preinit_joined, 1);
+  EXPECT_EQ(handle->pool.starter_joined, 1);
   EXPECT_EQ(handle->debug_mode, 0);
   EXPECT_STREQ(handle->dump_path, "");
   EXPECT_GE(malloc_usable_size(handle->y_low), 1920u * 1088);
@@ -86,7 +84,7 @@ TEST_F(LifecycleTest, DeinitOfNull) {
 TEST_F(LifecycleTest, PreinitThreadChecksItsArgument) {
   EXPECT_EQ(vorel_preinit_thread_func(nullptr), nullptr);
   EXPECT_EQ(log_.count("vorel_preinit_thread_func, vorel_preinit_thread is null"), 1);
-  vorel_preinit_thread empty{};
+  frame_pool empty{};
   EXPECT_EQ(vorel_preinit_thread_func(&empty), nullptr);
   EXPECT_EQ(log_.errors(), 1);
 }

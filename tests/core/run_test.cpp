@@ -1,5 +1,3 @@
-#include "core/run.h"
-
 #include <dirent.h>
 #include <malloc.h>
 #include <unistd.h>
@@ -7,6 +5,7 @@
 #include <cstdio>
 #include <thread>
 
+#include "core/run_thread.h"
 #include "tests/core/handle_fixture.h"
 #include "tests/support/faults.h"
 
@@ -123,7 +122,7 @@ TEST_F(RunTest, PackedFrameIsRefusedAndKeepsTheSlot) {
     EXPECT_EQ(log_.count("vorel_run - X"), 0);
     EXPECT_EQ(frame.bytes(), before);
     EXPECT_NE(pthread_mutex_trylock(&handle->slot_mutex[0]), 0);
-    EXPECT_EQ(handle->preinit_joined, 0);
+    EXPECT_EQ(handle->pool.starter_joined, 0);
     EXPECT_EQ(vorel_deinit(handle), 0);  // joins the thread and stops the workers
   }
 }
@@ -260,8 +259,8 @@ TEST_F(RunTest, WorkersLiveForOneFrame) {
   ASSERT_NE(handle, nullptr);
   TestFrame frame(64, 64);
   run(handle, &frame);
-  EXPECT_EQ(handle->pool_ready[0], 0);
-  EXPECT_EQ(handle->preinit_joined, 1);
+  EXPECT_EQ(handle->pool.ready, 0);
+  EXPECT_EQ(handle->pool.starter_joined, 1);
   // Detached workers end shortly after; under emulation the kernel may show them a little longer.
   for (int i = 0; i < 200 && thread_count() > 3; ++i) usleep(10000);
   EXPECT_LE(thread_count(), 3 + 1);

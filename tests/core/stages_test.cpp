@@ -17,23 +17,11 @@ class Record {
     run_ = std::make_unique<vorel_thread>();
     std::memset(static_cast<void*>(run_.get()), 0, sizeof(vorel_thread));
     handle_->tuning.enableNoiseIndex = 0;
-    run_->width = width;
-    run_->height = height;
-    run_->aligned_height = handle_->aligned_height;
+    static_cast<frame_planes&>(*run_) = *handle_;
     run_->format = format;
     run_->tuning = &handle_->tuning;
     run_->in_address_1 = run_->out_address_1 = run_->y_source = frame_.y.data();
     run_->in_address_2 = run_->out_address_2 = frame_.uv.data();
-    run_->y_low = handle_->y_low;
-    run_->y_high = handle_->y_high;
-    run_->downsampled_y = handle_->downsampled_y;
-    run_->downsampled_u = handle_->downsampled_u;
-    run_->downsampled_v = handle_->downsampled_v;
-    run_->filtered_y = handle_->filtered_y;
-    run_->filtered_u = handle_->filtered_u;
-    run_->filtered_v = handle_->filtered_v;
-    run_->upsampled_u = handle_->upsampled_u;
-    run_->upsampled_v = handle_->upsampled_v;
     for (box_filter_job& job : run_->box_jobs) {
       job.tuning = &handle_->tuning.boxfiltering_tuning;
     }
