@@ -61,7 +61,7 @@ void AtomicFile::open_beside() {
     const std::string name = directory_of(target_) + ".vorel-" + std::to_string(getpid()) + "-" +
                              std::to_string(i) + ".tmp";
     if (access(name.c_str(), F_OK) == 0) continue;
-    doomed_ = std::make_unique<DoomedPath>(name, DoomedPath::Kind::kFile);
+    doomed_ = std::make_unique<DoomedPath>(name);
     descriptor_ = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
     if (descriptor_ >= 0) {
       temporary_ = name;

@@ -14,7 +14,7 @@ namespace {
 
 // A fixed table: a signal handler can neither allocate nor lock.
 constexpr int kSlots = 256;
-enum SlotState { kFree, kReserved, kFileArmed, kDirectoryArmed };
+enum SlotState { kFree, kReserved, kArmed };
 
 struct Slot {
   std::atomic<int> state{kFree};
@@ -26,10 +26,7 @@ static_assert(std::atomic<int>::is_always_lock_free);
 
 void remove_doomed(int signal_number) {
   for (Slot& slot : g_slots) {
-    if (slot.state.load() == kFileArmed) unlink(slot.path);
-  }
-  for (Slot& slot : g_slots) {
-    if (slot.state.load() == kDirectoryArmed) rmdir(slot.path);
+    if (slot.state.load() == kArmed) unlink(slot.path);
   }
   // The default action is back (SA_RESETHAND): the program ends as its caller expects.
   raise(signal_number);
@@ -50,13 +47,13 @@ void install_signal_handlers() {
   signal(SIGXFSZ, SIG_IGN);
 }
 
-DoomedPath::DoomedPath(const std::string& path, Kind kind) : slot_(-1) {
+DoomedPath::DoomedPath(const std::string& path) : slot_(-1) {
   if (path.size() >= PATH_MAX) throw output_error(path, errno_text(ENAMETOOLONG));
   for (int i = 0; i < kSlots; ++i) {
     int expected = kFree;
     if (!g_slots[i].state.compare_exchange_strong(expected, kReserved)) continue;
     std::memcpy(g_slots[i].path, path.c_str(), path.size() + 1);
-    g_slots[i].state = kind == Kind::kFile ? kFileArmed : kDirectoryArmed;
+    g_slots[i].state = kArmed;
     slot_ = i;
     return;
   }

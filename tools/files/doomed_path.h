@@ -1,4 +1,4 @@
-// Files and directories that must not outlive the program.
+// Files that must not outlive the program.
 #ifndef VOREL_TOOLS_FILES_DOOMED_PATH_H_
 #define VOREL_TOOLS_FILES_DOOMED_PATH_H_
 
@@ -16,8 +16,7 @@ void install_signal_handlers();
 // destructor only forgets the path; its owner removes it.
 class DoomedPath {
  public:
-  enum class Kind { kFile, kDirectory };  // directories go after all files, so they are empty
-  DoomedPath(const std::string& path, Kind kind);
+  explicit DoomedPath(const std::string& path);
   ~DoomedPath();
   DoomedPath(const DoomedPath&) = delete;
   DoomedPath& operator=(const DoomedPath&) = delete;

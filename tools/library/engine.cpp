@@ -1,11 +1,6 @@
 #include "tools/library/engine.h"
 
-#include <android/log.h>
-
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <string_view>
 #include <vector>
 
 #include "tools/files/failure.h"
@@ -13,50 +8,50 @@
 namespace tool {
 namespace {
 
-// Error lines about dumps: the frame itself is fine.
-constexpr std::string_view kDumpTroubles[] = {"Failed to open dump file", "Failed to write dump",
-                                              "Failed to dump", "Image dumper"};
+constexpr int kLeastSide = 2;  // of a frame that the library takes
+constexpr const char* kStages[VOREL_STAGE_COUNT] = {"deinterleaving", "box filter", "smoothing",
+                                                    "restoring", "wavelet"};
 
-std::optional<std::string> frame_trouble(std::vector<LogRecord> lines) {
-  std::erase_if(lines, [](const LogRecord& line) {
-    return std::any_of(std::begin(kDumpTroubles), std::end(kDumpTroubles),
-                       [&](std::string_view start) { return line.text.starts_with(start); });
-  });
-  return first_error(lines);
+Size size_for_library(Size size) {
+  return {std::max(size.width, kLeastSide), std::max(size.height, kLeastSide)};
 }
 
-// Reads "noiseIndex(100) < enableNoiseIndex(400)".
-void read_skip_line(const std::vector<LogRecord>& lines, FrameReport& report) {
-  const std::optional<std::string> numbers = text_after(lines, "vorel_run, skip process, ");
-  int index = 0;
-  if (numbers && std::sscanf(numbers->c_str(), "noiseIndex(%d) < enableNoiseIndex(%d)", &index,
-                             &report.enable_noise_index) == 2) {
-    report.skipped = true;
+std::string skipped_stages(uint32_t skipped) {
+  std::string names;
+  for (int i = 0; i < VOREL_STAGE_COUNT; ++i) {
+    if ((skipped >> i & 1) != 0) names += (names.empty() ? "" : ", ") + std::string(kStages[i]);
   }
+  return names;
 }
 
 }  // namespace
 
-Engine::Engine(Size size, unsigned sensor, LibraryLog& log, const LibraryCalls& calls)
-    : log_(log), calls_(calls) {
-  static_cast<void>(log_.take());
-  handle_ = calls_.init(size.width, size.height, VOREL_SCENARIO_CAPTURE, sensor);
-  const std::vector<LogRecord> lines = log_.take();
+Engine::Engine(const EngineSettings& settings, const LibraryCalls& calls) : calls_(calls) {
+  const Size size = size_for_library(settings.size);
+  vorel_options options = vorel_default_options(size.width, size.height);
+  options.sensor_id = settings.sensor;
+  options.cpu_mask = 0xFFFFFFFF;  // a workstation's workers need not keep to a phone's eight
+  options.tuning_text = settings.tuning.data();
+  options.tuning_text_bytes = settings.tuning.size();
+  vorel_status status = VOREL_DONE;
+  handle_ = calls_.open(&options, &status);
   if (handle_ == nullptr) {
-    throw Failure(kFailed,
-                  "the library did not start: " + first_error(lines).value_or("no reason logged"));
+    throw Failure(kFailed, std::string("the library did not start: ") + vorel_status_text(status));
   }
-  log_.show_errors(lines);
-  tuning_date_ = text_after(lines, "TUNING_VERSION: ").value_or("");
-  tuning_loaded_ = std::any_of(lines.begin(), lines.end(), [](const LogRecord& line) {
-    return line.text.starts_with("LoadJson(") && line.text.ends_with(") success");
-  });
-  dump_directory_ = text_after(lines, "vorel_init, dump_path ").value_or("");
+  info_.size = sizeof(info_);
+  static_cast<void>(calls_.get_handle_info(handle_, &info_));
 }
 
 Engine::~Engine() { calls_.deinit(handle_); }
 
-FrameReport Engine::process(Nv21Frame& frame, bool separate_planes, int noise_index) {
+vorel_frame_info Engine::process(Nv21Frame& frame, bool separate_planes, int noise_index) {
+  const Size size{frame.width, frame.height};
+  if (!(size == size_for_library(size))) {
+    Nv21Frame larger = with_size(frame, size_for_library(size));
+    const vorel_frame_info report = process(larger, separate_planes, noise_index);
+    frame = with_size(larger, size);
+    return report;
+  }
   // Two exact buffers, so that nothing can rely on the planes being neighbours.
   std::vector<uint8_t> luma;
   std::vector<uint8_t> chroma;
@@ -64,22 +59,24 @@ FrameReport Engine::process(Nv21Frame& frame, bool separate_planes, int noise_in
     luma.assign(frame.y(), frame.y() + frame.luma_bytes());
     chroma.assign(frame.vu(), frame.vu() + frame.chroma_bytes());
   }
-  static_cast<void>(log_.take());
-  FrameReport report;
-  const auto start = std::chrono::steady_clock::now();
-  calls_.run(handle_, separate_planes ? luma.data() : frame.y(),
-             separate_planes ? chroma.data() : frame.vu(), frame.width, frame.height,
-             separate_planes ? VOREL_FMT_NM21 : VOREL_FMT_NV21, noise_index);
-  const std::chrono::duration<double, std::milli> elapsed =
-      std::chrono::steady_clock::now() - start;
-  report.milliseconds = elapsed.count();
-  calls_.release_frame_buffers(handle_);
-  const std::vector<LogRecord> lines = log_.take();
-  if (const std::optional<std::string> trouble = frame_trouble(lines)) {
-    throw Failure(kFailed, "the library did not process the frame: " + *trouble);
+  const vorel_frame planes{sizeof(vorel_frame),
+                           separate_planes ? luma.data() : frame.y(),
+                           separate_planes ? chroma.data() : frame.vu(),
+                           frame.width,
+                           frame.chroma_stride(),
+                           frame.width,
+                           frame.height,
+                           VOREL_LAYOUT_NV21,
+                           noise_index};
+  vorel_frame_info report{};
+  report.size = sizeof(report);
+  const vorel_status status = calls_.denoise_frame(handle_, &planes, &report);
+  if (status != VOREL_DONE && status != VOREL_BELOW_GATE) {
+    const std::string stages = skipped_stages(report.skipped);
+    throw Failure(kFailed, std::string("the library did not process the frame: ") +
+                               vorel_status_text(status) +
+                               (stages.empty() ? "" : " Left out: " + stages + "."));
   }
-  log_.show_errors(lines);
-  read_skip_line(lines, report);
   if (separate_planes) {
     std::copy(luma.begin(), luma.end(), frame.y());
     std::copy(chroma.begin(), chroma.end(), frame.vu());

@@ -4,51 +4,43 @@
 
 #include <string>
 
-#include "tools/library/library_log.h"
 #include "tools/pictures/picture.h"
-#include "vorel/vorel.h"
+#include "vorel/frame.h"
 
 namespace tool {
 
 // The library's functions; tests put others in.
 struct LibraryCalls {
-  decltype(&vorel_init) init = vorel_init;
-  decltype(&vorel_run) run = vorel_run;
-  decltype(&vorel_release_frame_buffers) release_frame_buffers = vorel_release_frame_buffers;
+  decltype(&vorel_open) open = vorel_open;
+  decltype(&vorel_denoise_frame) denoise_frame = vorel_denoise_frame;
+  decltype(&vorel_get_handle_info) get_handle_info = vorel_get_handle_info;
   decltype(&vorel_deinit) deinit = vorel_deinit;
 };
 
-struct FrameReport {
-  double milliseconds = 0.0;
-  bool skipped = false;        // by the noise index
-  int enable_noise_index = 0;  // of the tuning, known when skipped
+struct EngineSettings {
+  Size size{};  // of the largest frame
+  unsigned sensor = 0;
+  std::string tuning;  // text of a tuning file
 };
 
 class Engine {
  public:
-  // Frames of `size`, which the library must be able to take. Throws when it gives no handle.
-  Engine(Size size, unsigned sensor, LibraryLog& log, const LibraryCalls& calls);
+  // Throws when the library gives no handle.
+  explicit Engine(const EngineSettings& settings, const LibraryCalls& calls = {});
   ~Engine();
   Engine(const Engine&) = delete;
   Engine& operator=(const Engine&) = delete;
 
-  // Denoises the frame in place; throws when the library says that it did not. `separate_planes`
-  // hands the planes over as two buffers (NM21) instead of one (NV21).
-  FrameReport process(Nv21Frame& frame, bool separate_planes, int noise_index);
+  // Denoises a frame of any size up to the settings' in place. `separate_planes` hands the planes
+  // over as two buffers instead of one. Throws when the frame, or a part of it, was not processed.
+  vorel_frame_info process(Nv21Frame& frame, bool separate_planes, int noise_index);
 
-  // Whether a tuning file was read, and its date as far as it has one.
-  [[nodiscard]] bool tuning_loaded() const { return tuning_loaded_; }
-  [[nodiscard]] const std::string& tuning_date() const { return tuning_date_; }
-  // Where the library writes its dumps; empty when it writes none.
-  [[nodiscard]] const std::string& dump_directory() const { return dump_directory_; }
+  [[nodiscard]] const vorel_handle_info& info() const { return info_; }
 
  private:
-  LibraryLog& log_;
   LibraryCalls calls_;
   vorel* handle_ = nullptr;
-  bool tuning_loaded_ = false;
-  std::string tuning_date_;
-  std::string dump_directory_;
+  vorel_handle_info info_{};
 };
 
 }  // namespace tool

@@ -3,6 +3,8 @@
 #include <stdlib.h>
 #include <sys/stat.h>
 
+#include <optional>
+
 #include "tools/files/failure.h"
 #include "tools/files/file_bytes.h"
 #include "tools/pictures/picture_name.h"
@@ -39,91 +41,81 @@ bool exists(const std::string& path, bool& is_directory) {
   return true;
 }
 
-// Shows what the checker finds. A file that the user named must be of use.
-void show_findings(const std::string& path, const std::string& text, bool must_be_usable) {
+// Shows what the checker finds; the reason when it is that the library reads nothing of the text.
+std::optional<std::string> show_findings(const std::string& path, const std::string& text) {
+  std::optional<std::string> useless;
   for (const Finding& finding : check_tuning_text(text)) {
-    if (finding.is_whole_file && must_be_usable) {
-      throw input_error(path, finding.text + " (--tuning none uses the built-in values)");
+    if (finding.is_error && finding.is_whole_file) {
+      useless = finding.text;
+    } else {
+      warn(path + ": " + finding.text);
     }
-    warn(path + ": " + finding.text);
   }
+  return useless;
 }
 
-}  // namespace
-
-TuningChoice::TuningChoice(const TuningRequest& request) : model_(model_of(request.sensor)) {
-  if (const char* variable = getenv(kFirmwareVariable)) saved_variable_ = variable;
-  if (model_.empty()) {
-    warn("sensor " + std::to_string(request.sensor) +
-         " is not known to the library, which uses "
-         "its built-in values; known are " +
-         known_ids());
-    if (request.no_spatial || request.no_wavelet) {
-      throw usage_error("--no-spatial and --no-wavelet need a sensor that the library knows");
-    }
-    description_ = "built-in values (unknown sensor)";
-    return;
-  }
-  std::optional<std::string> text = find_text(request);
-  if (!text && (request.no_spatial || request.no_wavelet)) text = kNoTuning;
-  if (!text) {
-    point_library_at(directory_);
-    return;
-  }
-  if (request.no_spatial || request.no_wavelet) {
-    text = with_paths_off(description_, *text, request.no_spatial, request.no_wavelet);
-  }
-  copy_ = std::make_unique<TemporaryDirectory>();
-  copy_->add("vorel_" + model_ + ".json", *text);
-  point_library_at(copy_->path());
+TuningChoice built_in(const std::string& why) {
+  return {kNoTuning, "the library's built-in values" + (why.empty() ? "" : " (" + why + ")"), "",
+          true};
 }
 
-TuningChoice::~TuningChoice() {
-  if (saved_variable_) {
-    setenv(kFirmwareVariable, saved_variable_->c_str(), 1);
-  } else {
-    unsetenv(kFirmwareVariable);
+TuningChoice from_file(const std::string& path) {
+  const std::string text = read_text_file(path);
+  if (const std::optional<std::string> useless = show_findings(path, text)) {
+    throw input_error(path, *useless + " (--tuning none uses the built-in values)");
   }
+  return {text, path, "", false};
 }
 
-void TuningChoice::point_library_at(const std::string& directory) {
-  setenv(kFirmwareVariable, directory.c_str(), 1);
+TuningChoice from_directory(const std::string& directory, unsigned sensor) {
+  const std::string model = model_of(sensor);
+  if (model.empty()) return built_in("unknown sensor");
+  const std::string path = directory + "/vorel_" + model + ".json";
+  bool unused = false;
+  if (!exists(path, unused)) {
+    const std::string why = directory + " has no vorel_" + model + ".json";
+    warn(why + "; the library's built-in values are used");
+    return built_in(why);
+  }
+  const std::string text = read_text_file(path);
+  if (const std::optional<std::string> useless = show_findings(path, text)) {
+    warn(path + ": " + *useless + "; the library's built-in values are used");
+    return built_in(path + " is of no use");
+  }
+  return {text, path, "", false};
 }
 
-// The text of the tuning; nothing when the directory has none for this sensor. Sets the
-// description.
-std::optional<std::string> TuningChoice::find_text(const TuningRequest& request) {
-  if (!request.name && (!saved_variable_ || saved_variable_->empty())) {
-    description_ = "the sample tuning of this program";
-    return kSampleTuning;
+TuningChoice find_tuning(const TuningRequest& request) {
+  const char* variable = getenv(kFirmwareVariable);
+  const bool has_variable = variable != nullptr && *variable != '\0';
+  if (request.name == "none") return built_in("");
+  if (!request.name && !has_variable) {
+    if (model_of(request.sensor).empty()) return built_in("unknown sensor");
+    return {kSampleTuning, "the sample tuning of this program", "", false};
   }
-  const std::string name = request.name.value_or(saved_variable_.value_or(""));
-  if (request.name == "none") {
-    description_ = "the library's built-in values";
-    return kNoTuning;
-  }
+  const std::string name = request.name ? *request.name : variable;
   bool is_directory = false;
   if (!exists(name, is_directory)) {
     throw input_error(name, request.name ? "no such tuning file or directory"
                                          : "no such directory; VOREL_FIRMWARE_DIR names it");
   }
-  if (!is_directory) {
-    std::string text = read_text_file(name);
-    show_findings(name, text, true);
-    description_ = name;
-    return text;
+  return is_directory ? from_directory(name, request.sensor) : from_file(name);
+}
+
+}  // namespace
+
+TuningChoice choose_tuning(const TuningRequest& request) {
+  TuningChoice choice = find_tuning(request);
+  choice.model = model_of(request.sensor);
+  if (choice.model.empty()) {
+    warn("sensor " + std::to_string(request.sensor) + " is not known to the library; known are " +
+         known_ids());
   }
-  const std::string path = name + "/vorel_" + model_ + ".json";
-  bool unused = false;
-  if (!exists(path, unused)) {
-    directory_ = name;
-    description_ = "the library's built-in values (" + name + " has no vorel_" + model_ + ".json)";
-    return std::nullopt;
+  if (request.no_spatial || request.no_wavelet) {
+    choice.text =
+        with_paths_off(choice.description, choice.text, request.no_spatial, request.no_wavelet);
   }
-  std::string text = read_text_file(path);
-  show_findings(path, text, false);
-  description_ = path;
-  return text;
+  return choice;
 }
 
 }  // namespace tool

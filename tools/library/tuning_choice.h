@@ -1,12 +1,9 @@
-// Which tuning the library reads.
+// Which tuning the library gets.
 #ifndef VOREL_TOOLS_LIBRARY_TUNING_CHOICE_H_
 #define VOREL_TOOLS_LIBRARY_TUNING_CHOICE_H_
 
-#include <memory>
 #include <optional>
 #include <string>
-
-#include "tools/files/temporary_directory.h"
 
 namespace tool {
 
@@ -19,32 +16,18 @@ struct TuningRequest {
   bool no_wavelet = false;
 };
 
-// Puts the tuning where the library looks for it, which the environment variable
-// VOREL_FIRMWARE_DIR says while the object lives. The user's files are only read: what must be
-// changed is changed in a private copy. What the checker finds in the file is shown as warnings.
-class TuningChoice {
- public:
-  // Throws an input error when a named file cannot be read or is of no use to the library.
-  explicit TuningChoice(const TuningRequest& request);
-  ~TuningChoice();
-  TuningChoice(const TuningChoice&) = delete;
-  TuningChoice& operator=(const TuningChoice&) = delete;
-
-  // What was chosen, for the user.
-  [[nodiscard]] const std::string& description() const { return description_; }
-  // Model name of the sensor; empty when the library does not know it.
-  [[nodiscard]] const std::string& model() const { return model_; }
-
- private:
-  std::optional<std::string> find_text(const TuningRequest& request);
-  void point_library_at(const std::string& directory);
-
-  std::string description_;
-  std::string model_;
-  std::string directory_;  // that has no file for the sensor
-  std::optional<std::string> saved_variable_;
-  std::unique_ptr<TemporaryDirectory> copy_;
+struct TuningChoice {
+  std::string text;         // for the library; sets nothing for the built-in values
+  std::string description;  // what was chosen, for the user
+  std::string model;        // name of the sensor; empty when the library does not know it
+  bool is_built_in = false;
 };
+
+// Reads what was asked for; the user's files are never changed. What the checker finds in a file is
+// shown as warnings. A directory without a usable file for the sensor means the built-in values, as
+// on the phone, and a warning. Throws an input error when a file that was named itself cannot be
+// read or is of no use to the library.
+[[nodiscard]] TuningChoice choose_tuning(const TuningRequest& request);
 
 // The sample tuning that the program carries.
 extern const char kSampleTuning[];

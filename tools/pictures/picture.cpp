@@ -66,8 +66,4 @@ Nv21Frame with_size(const Nv21Frame& frame, Size size) {
   return result;
 }
 
-Size size_for_library(Size size) {
-  return {(size.width + 15) / 16 * 16, (size.height + 1) / 2 * 2};
-}
-
 }  // namespace tool

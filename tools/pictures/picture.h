@@ -96,9 +96,6 @@ struct Picture {
 // The top left `size` of a frame; beyond the frame its last column and row repeat.
 [[nodiscard]] Nv21Frame with_size(const Nv21Frame& frame, Size size);
 
-// The next size that the library takes: the width a multiple of 16, the height even.
-[[nodiscard]] Size size_for_library(Size size);
-
 }  // namespace tool
 
 #endif  // VOREL_TOOLS_PICTURES_PICTURE_H_

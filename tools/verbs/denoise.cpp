@@ -55,7 +55,7 @@ class DenoiseRun {
         noise_index_(options.noise_index.value_or(kDefaultNoiseIndex)),
         log_(options.log),
         input_(PictureInput::open(options.input, options.read)),
-        tuning_(options.tuning) {
+        tuning_(choose_tuning(options.tuning)) {
     if (options_.truth) truth_ = read_picture(*options_.truth, options_.read);
     output_ = PictureOutput::open(options_.output, options_.quality);
     if (options_.compare) compare_ = PictureOutput::open(*options_.compare, options_.quality);
@@ -80,35 +80,33 @@ class DenoiseRun {
  private:
   void process(Picture picture) {
     const Nv21Frame before = as_nv21(picture, input_->colour());
-    const Size size{before.width, before.height};
-    const Size processed_size = size_for_library(size);
-    if (!engine_) start(size, processed_size);
+    if (!engine_) start({before.width, before.height});
 
-    Nv21Frame padded = with_size(before, processed_size);
-    const FrameReport report = engine_->process(padded, options_.separate_planes, noise_index_);
-    const Nv21Frame after = with_size(padded, size);
+    Nv21Frame after = before;
+    const vorel_frame_info report = engine_->process(after, options_.separate_planes, noise_index_);
+    const bool skipped = report.status == VOREL_BELOW_GATE;
 
     ++summary_.frames;
-    summary_.milliseconds += report.milliseconds;
+    summary_.milliseconds += static_cast<double>(report.total_usec) / 1000.0;
     summary_.change.add(before, after);
-    if (report.skipped) {
+    if (skipped) {
       ++summary_.skipped_frames;
       summary_.enable_noise_index = report.enable_noise_index;
     }
     if (summary_.frames == 1 && (compare_ || truth_)) compare(picture, before, after);
     // A picture that was not processed is written as it came, without a detour over YUV.
-    if (!report.skipped) picture.pixels = after;
+    if (!skipped) picture.pixels = after;
     output_->write(picture);
   }
 
-  void start(Size size, Size processed_size) {
+  void start(Size size) {
     summary_.size = size;
-    summary_.processed_size = processed_size;
     if (truth_ && !(truth_->size() == size)) {
       throw input_error(*options_.truth, "is " + size_text(truth_->size()) + ", but " +
                                              options_.input + " is " + size_text(size));
     }
-    engine_ = std::make_unique<Engine>(processed_size, options_.tuning.sensor, log_, calls_);
+    engine_ = std::make_unique<Engine>(EngineSettings{size, options_.tuning.sensor, tuning_.text},
+                                       calls_);
   }
 
   // The frame as a reader of the output will see it: through a PNG file chroma makes a round trip
@@ -139,19 +137,18 @@ class DenoiseRun {
   void fill_names() {
     summary_.input = options_.input;
     summary_.output = options_.output;
-    summary_.tuning = tuning_.description();
-    // A date that the library did not read would be a lie; built-in values have none.
-    if (engine_->tuning_loaded() && options_.tuning.name != "none") {
-      summary_.tuning_date =
-          engine_->tuning_date().empty() ? "without a date" : "dated " + engine_->tuning_date();
+    summary_.tuning = tuning_.description;
+    const std::string date = engine_->info().tuning_date;
+    if (!tuning_.is_built_in) {
+      summary_.tuning_date = date.empty() ? "without a date" : "dated " + date;
     }
     summary_.sensor = std::to_string(options_.tuning.sensor) +
-                      (tuning_.model().empty() ? "" : " (" + tuning_.model() + ")");
+                      (tuning_.model.empty() ? "" : " (" + tuning_.model + ")");
     summary_.noise_index = noise_index_;
     summary_.default_noise_index = !options_.noise_index.has_value();
     summary_.compare = options_.compare.value_or("");
     summary_.truth = options_.truth.value_or("");
-    summary_.dumps = engine_->dump_directory();
+    summary_.dumps = engine_->info().dump_path;
   }
 
   const DenoiseOptions& options_;

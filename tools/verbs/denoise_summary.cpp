@@ -19,15 +19,6 @@ std::string number(double value, int decimals) {
   return text;
 }
 
-std::string size_line(const DenoiseSummary& summary) {
-  std::string text = size_text(summary.size);
-  if (!(summary.processed_size == summary.size)) {
-    text += ", processed as " + size_text(summary.processed_size) +
-            " (last column and row repeated, then cropped)";
-  }
-  return line("size", text);
-}
-
 std::string time_line(const DenoiseSummary& summary) {
   const std::string each = number(summary.milliseconds / summary.frames, 1) + " ms";
   if (summary.frames == 1) return line("time", each);
@@ -67,7 +58,7 @@ std::string summary_text(const DenoiseSummary& summary) {
                                   (summary.default_noise_index
                                        ? " (the default; give the frame's own with --noise-index)"
                                        : ""));
-  text += size_line(summary);
+  text += line("size", size_text(summary.size));
   text += time_line(summary);
   text += change_line(summary);
   if (!summary.compare.empty()) {

@@ -20,7 +20,6 @@ struct DenoiseSummary {
   int noise_index = 0;
   bool default_noise_index = false;
   Size size{};
-  Size processed_size{};
   int frames = 0;
   int skipped_frames = 0;
   int enable_noise_index = 0;  // of the tuning, when frames were skipped

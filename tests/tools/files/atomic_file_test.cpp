@@ -10,13 +10,11 @@
 #include "tests/tools/run_command.h"
 #include "tests/tools/test_pictures.h"
 #include "tools/files/failure.h"
-#include "tools/files/temporary_directory.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using tool::AtomicFile;
 
 TEST(AtomicFileTest, AppearsOnlyWhenComplete) {
@@ -76,42 +74,24 @@ TEST(AtomicFileTest, PlacesThatCannotBeWrittenSayWhy) {
   EXPECT_THROW(AtomicFile(std::string(5000, 'a')), tool::Failure);
 }
 
-TEST(TemporaryDirectoryTest, GoesWithItsFilesAndIsPrivate) {
-  std::string path;
-  {
-    tool::TemporaryDirectory temporary;
-    path = temporary.path();
-    temporary.add("a.json", "{}");
-    EXPECT_EQ(read_text(path + "/a.json"), "{}");
-    struct stat status{};
-    ASSERT_EQ(stat(path.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777, 0700u);
-  }
-  EXPECT_FALSE(std::filesystem::exists(path));
-}
-
-// A command that reads a pipe waits with its output begun and its tuning copied; then the signal
-// comes.
+// A command that reads a pipe waits with its output begun; then the signal comes.
 class Interrupted : public testing::TestWithParam<int> {};
 
 TEST_P(Interrupted, NothingIsLeftBehind) {
   const TestDirectory directory;
-  const TestDirectory temporary;
   const std::string pipe = directory / "pipe.y4m";
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   CommandSetup setup;
-  setup.environment = {{"TMPDIR", temporary.path()}};
   setup.meanwhile = [&](int child) {
     FILE* file = fopen(pipe.c_str(), "wb");  // returns when the command opens its end
     const std::string header = "YUV4MPEG2 W16 H16\nFRAME\n";
     fwrite(header.data(), 1, header.size(), file);
     fflush(file);
     for (int i = 0; i < 1000; ++i) {
-      if (directory.names().size() > 1 && !temporary.names().empty()) break;
+      if (directory.names().size() > 1) break;
       usleep(10000);
     }
     EXPECT_EQ(directory.names().size(), 2u) << "the hidden file beside the output";
-    EXPECT_EQ(temporary.names().size(), 1u) << "the tuning's copy";
     kill(child, GetParam());
     usleep(10000);
     fclose(file);
@@ -120,7 +100,6 @@ TEST_P(Interrupted, NothingIsLeftBehind) {
       run_vorel({"denoise", pipe, "-o", directory / "out.y4m", "-n", "800"}, setup);
   EXPECT_EQ(run.signal, GetParam()) << run.status << run.err;
   EXPECT_THAT(directory.names(), ElementsAre("pipe.y4m"));
-  EXPECT_THAT(temporary.names(), IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, Interrupted,

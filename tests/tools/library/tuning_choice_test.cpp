@@ -4,12 +4,9 @@
 #include <jansson.h>
 #include <stdlib.h>
 
-#include <filesystem>
-
 #include "tests/support/source_path.h"
 #include "tests/tools/run_command.h"
 #include "tools/files/failure.h"
-#include "tools/library/library_log.h"
 #include "tools/tuning/edit.h"
 #include "tools/tuning/findings.h"
 
@@ -17,30 +14,25 @@ namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
+using tool::choose_tuning;
 using tool::TuningChoice;
-using tool::TuningRequest;
 
 constexpr char kTuning[] = R"([{"old": 1}, {"CNRTuningSetfile": {"Date": "d"}, "enable": 1,
   "MFD_UV_tuning": {"enable": 1, "CSatThr1Table": [65.0, 1.5]}}])";
 
-std::string firmware_directory() {
-  const char* directory = getenv("VOREL_FIRMWARE_DIR");
-  return directory != nullptr ? directory : "";
-}
-
 class TuningChoiceTest : public testing::Test {
  protected:
-  TuningChoiceTest() : log(tool::LogLevel::kError) { unsetenv("VOREL_FIRMWARE_DIR"); }
+  TuningChoiceTest() { unsetenv("VOREL_FIRMWARE_DIR"); }
   ~TuningChoiceTest() override { unsetenv("VOREL_FIRMWARE_DIR"); }
 
-  tool::LibraryLog log;
   TestDirectory directory;
 };
 
 TEST_F(TuningChoiceTest, WithoutAnythingTheSampleIsUsedForEverySensor) {
-  const TuningChoice choice({std::nullopt, 120, false, false});
-  EXPECT_EQ(read_text(firmware_directory() + "/vorel_WT1200.json"), tool::kSampleTuning);
-  EXPECT_THAT(choice.description(), HasSubstr("sample"));
+  const TuningChoice choice = choose_tuning({std::nullopt, 120, false, false});
+  EXPECT_EQ(choice.text, tool::kSampleTuning);
+  EXPECT_THAT(choice.description, HasSubstr("sample"));
+  EXPECT_EQ(choice.model, "WT1200");
   EXPECT_THAT(tool::check_tuning_text(tool::kSampleTuning), IsEmpty());
   EXPECT_EQ(std::string(tool::kSampleTuning),
             read_text(source_path("tuning/samples/vorel_NOTHING.json")));
@@ -49,35 +41,29 @@ TEST_F(TuningChoiceTest, WithoutAnythingTheSampleIsUsedForEverySensor) {
 TEST_F(TuningChoiceTest, DirectoryComesFromOptionOrEnvironment) {
   write_text(directory / "vorel_NOTHING.json", kTuning);
   setenv("VOREL_FIRMWARE_DIR", directory.path().c_str(), 1);
-  {
-    const TuningChoice choice({std::nullopt, 0, false, false});
-    EXPECT_EQ(choice.description(), directory / "vorel_NOTHING.json");
-    EXPECT_EQ(read_text(firmware_directory() + "/vorel_NOTHING.json"), kTuning);
-  }
-  EXPECT_EQ(firmware_directory(), directory.path()) << "restored";
-  {
-    const TuningChoice choice({directory.path(), 120, false, false});
-    EXPECT_THAT(choice.description(), HasSubstr("has no vorel_WT1200.json"));
-    EXPECT_EQ(firmware_directory(), directory.path()) << "the library's own line names the file";
-  }
+  const TuningChoice choice = choose_tuning({std::nullopt, 0, false, false});
+  EXPECT_EQ(choice.description, directory / "vorel_NOTHING.json");
+  EXPECT_EQ(choice.text, kTuning);
+  const TuningChoice other = choose_tuning({directory.path(), 120, false, false});
+  EXPECT_THAT(other.description, HasSubstr("has no vorel_WT1200.json"));
+  EXPECT_TRUE(other.is_built_in);
 }
 
 TEST_F(TuningChoiceTest, NoneLeavesEveryBuiltInValueInForce) {
-  const TuningChoice choice({"none", 0, false, false});
-  const std::string text = read_text(firmware_directory() + "/vorel_NOTHING.json");
-  EXPECT_THAT(tool::check_tuning_text(text), IsEmpty());
-  json_t* root = json_loads(text.c_str(), 0, nullptr);
+  const TuningChoice choice = choose_tuning({"none", 0, false, false});
+  EXPECT_TRUE(choice.is_built_in);
+  EXPECT_THAT(tool::check_tuning_text(choice.text), IsEmpty());
+  json_t* root = json_loads(choice.text.c_str(), 0, nullptr);
   ASSERT_EQ(json_array_size(root), 1u);
   EXPECT_EQ(json_object_size(json_array_get(root, 0)), 1u) << "the date alone";
   json_decref(root);
 }
 
-TEST_F(TuningChoiceTest, PathSwitchesChangeTheCopyOnly) {
+TEST_F(TuningChoiceTest, PathSwitchesChangeTheTextOnly) {
   const std::string path = directory / "t.json";
   write_text(path, kTuning);
-  const TuningChoice choice({path, 0, true, true});
-  json_t* root =
-      json_loads(read_text(firmware_directory() + "/vorel_NOTHING.json").c_str(), 0, nullptr);
+  const TuningChoice choice = choose_tuning({path, 0, true, true});
+  json_t* root = json_loads(choice.text.c_str(), 0, nullptr);
   const json_t* last = json_array_get(root, 1);
   EXPECT_EQ(json_integer_value(json_object_get(last, "enable")), 0);
   const json_t* wavelet = json_object_get(last, "MFD_UV_tuning");
@@ -103,24 +89,31 @@ TEST_F(TuningChoiceTest, EachSwitchTouchesItsOwnPath) {
 }
 
 TEST_F(TuningChoiceTest, UselessFilesAreRefusedOnlyWhenNamed) {
+  const std::string path = directory / "vorel_NOTHING.json";
   for (const char* text : {"", "{", "{}", "[]", "[1]", "[{}, 2]"}) {
-    write_text(directory / "vorel_NOTHING.json", text);
+    write_text(path, text);
     try {
-      const TuningChoice choice({directory / "vorel_NOTHING.json", 0, false, false});
+      static_cast<void>(choose_tuning({path, 0, false, false}));
       FAIL() << "accepted: " << text;
     } catch (const tool::Failure& failure) {
       EXPECT_EQ(failure.status(), tool::kBadInput) << text;
-      EXPECT_THAT(failure.what(), HasSubstr(directory / "vorel_NOTHING.json"));
+      EXPECT_THAT(failure.what(), HasSubstr(path));
     }
-    EXPECT_NO_THROW(TuningChoice({directory.path(), 0, false, false})) << "as on the phone";
+    const TuningChoice choice = choose_tuning({directory.path(), 0, false, false});
+    EXPECT_TRUE(choice.is_built_in) << "as on the phone";
+    EXPECT_THAT(choice.description, HasSubstr("built-in values (" + path));
   }
-  EXPECT_THROW(TuningChoice({directory / "none.json", 0, false, false}), tool::Failure);
+  EXPECT_THROW(static_cast<void>(choose_tuning({directory / "none.json", 0, false, false})),
+               tool::Failure);
 }
 
-TEST_F(TuningChoiceTest, UnknownSensorsHaveNoTuningToSwitch) {
-  const TuningChoice choice({std::nullopt, 99, false, false});
-  EXPECT_EQ(choice.model(), "");
-  EXPECT_THROW(TuningChoice({std::nullopt, 99, true, false}), tool::Failure);
+TEST_F(TuningChoiceTest, UnknownSensorsGetANamedFileAndElseTheBuiltInValues) {
+  write_text(directory / "t.json", kTuning);
+  const TuningChoice choice = choose_tuning({std::nullopt, 99, false, false});
+  EXPECT_EQ(choice.model, "");
+  EXPECT_TRUE(choice.is_built_in);
+  EXPECT_TRUE(choose_tuning({directory.path(), 99, false, false}).is_built_in);
+  EXPECT_EQ(choose_tuning({directory / "t.json", 99, false, false}).text, kTuning);
 }
 
 }  // namespace

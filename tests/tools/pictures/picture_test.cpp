@@ -8,12 +8,6 @@ using testing::ElementsAreArray;
 using tool::Nv21Frame;
 using tool::Size;
 
-TEST(Picture, SizesForTheLibrary) {
-  EXPECT_EQ(tool::size_for_library({1920, 1080}), (Size{1920, 1080}));
-  EXPECT_EQ(tool::size_for_library({1921, 1081}), (Size{1936, 1082}));
-  EXPECT_EQ(tool::size_for_library({1, 1}), (Size{16, 2}));
-}
-
 TEST(Picture, GrowingRepeatsTheLastColumnAndRow) {
   Nv21Frame frame(3, 3);
   frame.data = {1,  2,  3,  4,  5,  6,  7,  8, 9,  // luma

@@ -1,6 +1,5 @@
 #include "tools/verbs/denoise.h"
 
-#include <android/log.h>
 #include <gmock/gmock.h>
 #include <stdlib.h>
 
@@ -24,54 +23,41 @@ struct FakeLibrary {
   int width = 0;
   int height = 0;
   unsigned sensor = 0;
+  std::string tuning;
   int frames = 0;
-  int released = 0;
   int deinits = 0;
-  int format = 0;
   int noise_index = 0;
   bool planes_touch = false;
-  std::string tuning;         // file that the real library would have read
-  std::string error_at_init;  // logged; no handle then
-  std::string error_at_run;   // logged
-  std::string skip_line;      // logged instead of processing
+  vorel_status open_status = VOREL_DONE;
+  vorel_status frame_status = VOREL_DONE;
 } fake;
 
-void log_error(const std::string& text) {
-  __android_log_print(ANDROID_LOG_ERROR, "VOREL", "%s", text.c_str());
-}
-
-vorel* fake_init(int width, int height, int, unsigned sensor) {
-  fake.width = width;
-  fake.height = height;
-  fake.sensor = sensor;
-  if (!fake.error_at_init.empty()) {
-    log_error(fake.error_at_init);
-    return nullptr;
-  }
-  const char* directory = getenv("VOREL_FIRMWARE_DIR");
-  fake.tuning = read_text(std::string(directory != nullptr ? directory : "") +
-                          (sensor == 120 ? "/vorel_WT1200.json" : "/vorel_NOTHING.json"));
-  return reinterpret_cast<vorel*>(&fake);
+vorel* fake_open(const vorel_options* options, vorel_status* status) {
+  fake.width = options->width;
+  fake.height = options->height;
+  fake.sensor = options->sensor_id;
+  fake.tuning.assign(options->tuning_text, options->tuning_text_bytes);
+  *status = fake.open_status;
+  return fake.open_status < 0 ? nullptr : reinterpret_cast<vorel*>(&fake);
 }
 
 // Adds 1 to luma and 2 to chroma.
-void* fake_run(vorel*, void* y, void* vu, int width, int height, int format, int noise_index) {
+vorel_status fake_denoise(vorel*, const vorel_frame* frame, vorel_frame_info* info) {
   ++fake.frames;
-  fake.format = format;
-  fake.noise_index = noise_index;
-  const size_t luma = static_cast<size_t>(width) * static_cast<size_t>(height);
-  fake.planes_touch = static_cast<uint8_t*>(y) + luma == vu;
-  if (!fake.skip_line.empty()) {
-    __android_log_print(ANDROID_LOG_INFO, "VOREL", "%s", fake.skip_line.c_str());
-    return nullptr;
-  }
-  for (size_t i = 0; i < luma; ++i) ++static_cast<uint8_t*>(y)[i];
-  for (size_t i = 0; i < luma / 2; ++i) static_cast<uint8_t*>(vu)[i] += 2;
-  if (!fake.error_at_run.empty()) log_error(fake.error_at_run);
-  return nullptr;
+  fake.noise_index = frame->noise_index;
+  const auto width = static_cast<size_t>(frame->width);
+  const auto height = static_cast<size_t>(frame->height);
+  fake.planes_touch = frame->luma + width * height == frame->chroma;
+  info->status = fake.frame_status;
+  info->enable_noise_index = 400;
+  if (fake.frame_status != VOREL_DONE) return fake.frame_status;
+  for (size_t i = 0; i < width * height; ++i) ++frame->luma[i];
+  const size_t chroma = (width + 1) / 2 * 2 * ((height + 1) / 2);
+  for (size_t i = 0; i < chroma; ++i) frame->chroma[i] = static_cast<uint8_t>(frame->chroma[i] + 2);
+  return VOREL_DONE;
 }
 
-void fake_release(vorel*) { ++fake.released; }
+vorel_status fake_info(const vorel*, vorel_handle_info*) { return VOREL_DONE; }
 int fake_deinit(vorel*) { return ++fake.deinits; }
 
 class Denoise : public testing::Test {
@@ -84,7 +70,7 @@ class Denoise : public testing::Test {
 
   int run() {
     try {
-      tool::run_denoise(options, {fake_init, fake_run, fake_release, fake_deinit});
+      tool::run_denoise(options, {fake_open, fake_denoise, fake_info, fake_deinit});
       message.clear();
       return tool::kDone;
     } catch (const tool::Failure& failure) {
@@ -114,30 +100,32 @@ TEST_F(Denoise, FrameGoesInAndComesOutInPlaceForBothFormats) {
     for (size_t i = 0; i < original.data.size(); ++i) {
       ASSERT_EQ(denoised.data[i], original.data[i] + (i < 32 * 6 ? 1 : 2)) << i;
     }
-    EXPECT_EQ(fake.format, separate ? VOREL_FMT_NM21 : VOREL_FMT_NV21);
     EXPECT_EQ(fake.planes_touch, !separate);
     EXPECT_EQ(fake.noise_index, 700);
   }
-  EXPECT_EQ(fake.released, 2);
   EXPECT_EQ(fake.deinits, 2);
 }
 
-TEST_F(Denoise, OtherSizesArePaddedAndCroppedBack) {
-  const Nv21Frame original = patterned_frame(17, 5);
-  options.input = directory / "in_17x5.nv21";
-  options.output = directory / "out_17x5.nv21";
-  save(options.input, original);
-  ASSERT_EQ(run(), tool::kDone) << message;
-  EXPECT_EQ(fake.width, 32);
-  EXPECT_EQ(fake.height, 6);
-  const Nv21Frame denoised = result();
-  ASSERT_EQ(denoised.data.size(), original.data.size());
-  for (size_t i = 0; i < original.data.size(); ++i) {
-    ASSERT_EQ(denoised.data[i], original.data[i] + (i < 17 * 5 ? 1 : 2)) << i;
+TEST_F(Denoise, EverySizeReachesTheLibraryAndComesBack) {
+  for (const Size size : {Size{17, 5}, Size{1, 1}, Size{3, 1}}) {
+    const Nv21Frame original = patterned_frame(size.width, size.height);
+    const std::string name =
+        std::to_string(size.width) + "x" + std::to_string(size.height) + ".nv21";
+    options.input = directory / ("in_" + name);
+    options.output = directory / ("out_" + name);
+    save(options.input, original);
+    ASSERT_EQ(run(), tool::kDone) << message;
+    EXPECT_EQ(fake.width, std::max(size.width, 2)) << "the least that the library takes";
+    EXPECT_EQ(fake.height, std::max(size.height, 2));
+    const Nv21Frame denoised = result();
+    ASSERT_EQ(denoised.data.size(), original.data.size());
+    for (size_t i = 0; i < original.data.size(); ++i) {
+      ASSERT_EQ(denoised.data[i], original.data[i] + (i < original.luma_bytes() ? 1 : 2)) << i;
+    }
   }
 }
 
-TEST_F(Denoise, EveryFrameOfAVideoIsProcessedAndReleased) {
+TEST_F(Denoise, EveryFrameOfAVideoIsProcessed) {
   options.input = directory / "in.y4m";
   options.output = directory / "out.y4m";
   const auto output = tool::PictureOutput::open(options.input);
@@ -147,7 +135,6 @@ TEST_F(Denoise, EveryFrameOfAVideoIsProcessedAndReleased) {
   output->finish();
   ASSERT_EQ(run(), tool::kDone) << message;
   EXPECT_EQ(fake.frames, 3);
-  EXPECT_EQ(fake.released, 3);
   EXPECT_EQ(fake.deinits, 1);
   EXPECT_THAT(read_text(options.output),
               testing::StartsWith("YUV4MPEG2 W16 H4 F24:1 C420mpeg2 XCOLORRANGE=LIMITED\n"));
@@ -180,7 +167,7 @@ TEST_F(Denoise, SkippedPicturesAreWrittenAsTheyCame) {
   options.input = directory / "in.png";
   options.output = directory / "out.png";
   save(options.input, image);
-  fake.skip_line = "vorel_run, skip process, noiseIndex(100) < enableNoiseIndex(400)";
+  fake.frame_status = VOREL_BELOW_GATE;
   ASSERT_EQ(run(), tool::kDone) << message;
   EXPECT_EQ(std::get<tool::RgbImage>(read(options.output).pixels).pixels, image.pixels);
 }
@@ -189,21 +176,18 @@ TEST_F(Denoise, LibraryThatDoesNotStartOrProcessFailsTheRun) {
   options.input = directory / "in_16x4.nv21";
   options.output = directory / "out_16x4.nv21";
   save(options.input, patterned_frame(16, 4));
-  fake.error_at_init = "vorel_init, this processor lacks half-precision arithmetic";
+  fake.open_status = VOREL_NO_PROCESSOR;
   EXPECT_EQ(run(), tool::kFailed);
-  EXPECT_THAT(message, HasSubstr("this processor lacks half-precision arithmetic"));
+  EXPECT_THAT(message, HasSubstr(vorel_status_text(VOREL_NO_PROCESSOR)));
   EXPECT_EQ(fake.deinits, 0);
-
-  fake = {};
-  fake.error_at_run = "MFD_UV, skipped: no half-precision planes";
-  EXPECT_EQ(run(), tool::kFailed);
-  EXPECT_THAT(message, HasSubstr("MFD_UV, skipped"));
-  EXPECT_EQ(fake.deinits, 1);
-  EXPECT_THAT(directory.names(), testing::ElementsAre("in_16x4.nv21"));
-
-  fake = {};
-  fake.error_at_run = "Failed to open dump file /x!";
-  EXPECT_EQ(run(), tool::kDone) << "a dump is no frame: " << message;
+  for (const vorel_status status : {VOREL_STAGE_SKIPPED, VOREL_NO_MEMORY}) {
+    fake = {};
+    fake.frame_status = status;
+    EXPECT_EQ(run(), tool::kFailed);
+    EXPECT_THAT(message, HasSubstr(vorel_status_text(status)));
+    EXPECT_EQ(fake.deinits, 1);
+    EXPECT_THAT(directory.names(), testing::ElementsAre("in_16x4.nv21"));
+  }
 }
 
 TEST_F(Denoise, TruthMustHaveThePicturesSize) {
@@ -216,7 +200,7 @@ TEST_F(Denoise, TruthMustHaveThePicturesSize) {
   EXPECT_THAT(message, HasSubstr("is 16 x 6, but"));
 }
 
-TEST_F(Denoise, TuningFileReachesTheLibraryUnderTheSensorsName) {
+TEST_F(Denoise, TuningFileReachesTheLibraryAsItIs) {
   options.input = directory / "in_16x4.nv21";
   options.output = directory / "out_16x4.nv21";
   options.tuning.sensor = 120;
@@ -227,7 +211,6 @@ TEST_F(Denoise, TuningFileReachesTheLibraryUnderTheSensorsName) {
   ASSERT_EQ(run(), tool::kDone) << message;
   EXPECT_EQ(fake.sensor, 120u);
   EXPECT_EQ(fake.tuning, text);
-  EXPECT_EQ(getenv("VOREL_FIRMWARE_DIR"), nullptr) << "the environment is as it was";
 }
 
 TEST(DenoiseSummaryText, SaysWhatHappened) {
@@ -240,7 +223,6 @@ TEST(DenoiseSummaryText, SaysWhatHappened) {
   summary.noise_index = 1600;
   summary.default_noise_index = true;
   summary.size = {17, 5};
-  summary.processed_size = {32, 6};
   summary.frames = 2;
   summary.milliseconds = 25;
   Nv21Frame before = patterned_frame(16, 4);
@@ -251,7 +233,7 @@ TEST(DenoiseSummaryText, SaysWhatHappened) {
   EXPECT_THAT(text, HasSubstr("a.png -> b.png\n"));
   EXPECT_THAT(text, HasSubstr("my.json, dated 2026-01-02"));
   EXPECT_THAT(text, HasSubstr("1600 (the default; give the frame's own with --noise-index)"));
-  EXPECT_THAT(text, HasSubstr("17 x 5, processed as 32 x 6"));
+  EXPECT_THAT(text, HasSubstr("size         17 x 5\n"));
   EXPECT_THAT(text, HasSubstr("12.5 ms per frame, 2 frames"));
   EXPECT_THAT(text, HasSubstr("chroma 3.1 % of samples, mean change 1.00; luma unchanged"));
 }
@@ -259,7 +241,7 @@ TEST(DenoiseSummaryText, SaysWhatHappened) {
 TEST(DenoiseSummaryText, NothingIsSaidToBeNothing) {
   tool::DenoiseSummary summary;
   summary.noise_index = 100;
-  summary.size = summary.processed_size = {16, 4};
+  summary.size = {16, 4};
   summary.frames = 1;
   EXPECT_THAT(tool::summary_text(summary), HasSubstr("nothing: this tuning leaves every sample"));
   summary.skipped_frames = 1;
