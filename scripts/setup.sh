@@ -10,7 +10,7 @@ set -euo pipefail
 build_packages=(
   clang-19 lld-19 llvm-19 cmake ninja-build make pkg-config git
   libjansson-dev android-liblog android-liblog-dev
-  libcli11-dev libyuv-dev libpng-dev libjpeg-dev
+  libcli11-dev libyuv-dev libpng-dev libjpeg-dev libexif-dev
   libgtest-dev libgmock-dev libbenchmark-dev)
 
 check_packages=(
@@ -22,7 +22,7 @@ check_packages=(
 arm_twins=(
   libc6 libc6-dev libgcc-s1 libgcc-12-dev libstdc++6 libstdc++-12-dev
   libjansson-dev android-liblog android-liblog-dev
-  libyuv-dev libpng-dev libjpeg-dev libgtest-dev libgmock-dev libbenchmark-dev)
+  libyuv-dev libpng-dev libjpeg-dev libexif-dev libgtest-dev libgmock-dev libbenchmark-dev)
 
 usage() {
   sed -n '2,7s/^# \{0,1\}//p' "$0"

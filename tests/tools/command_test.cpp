@@ -46,7 +46,7 @@ TEST_F(Command, HelpAndVersionAreEverywhere) {
   const CommandResult main = run_vorel({"--help"});
   EXPECT_EQ(main.status, 0);
   EXPECT_THAT(main.err, IsEmpty());
-  for (const char* verb : {"denoise", "noise", "compare", "check", "dump"}) {
+  for (const char* verb : {"denoise", "measure", "noise", "compare", "check", "dump"}) {
     EXPECT_THAT(main.out, HasSubstr(verb));
     const CommandResult help = run_vorel({verb, "--help"});
     EXPECT_EQ(help.status, 0) << verb;
@@ -266,6 +266,24 @@ TEST_F(Command, CompareWalksThroughVideos) {
   EXPECT_THAT(same.out, HasSubstr("2 frames"));
   EXPECT_EQ(run_vorel({"compare", two, video("three.y4m", 3)}).status, 2);
   EXPECT_EQ(run_vorel({"compare", directory / "three.y4m", two}).status, 2);
+}
+
+TEST_F(Command, MeasureSpeaksToPeopleAndPrograms) {
+  const std::string large = directory / "large.png";
+  const std::string noisy = directory / "noisy.jpg";
+  save(large, gradient_picture(320, 256));
+  ASSERT_EQ(run_vorel({"noise", large, "-o", noisy, "-g", "16"}).status, 0);
+  const CommandResult text = run_vorel({"measure", noisy, picture, "--patch", "8,8,32,33"});
+  EXPECT_EQ(text.status, 0) << text.err;
+  EXPECT_THAT(text.out, testing::ContainsRegex("noisy.jpg \\(320 x 256\\)\n +noise"));
+  EXPECT_THAT(text.out, testing::ContainsRegex("noise index +[1-9][0-9]+\n"));
+  EXPECT_THAT(text.out, HasSubstr("too little")) << "the second picture has no 64 x 64 blocks";
+  EXPECT_THAT(text.out, testing::ContainsRegex("below 1/16\n +Y +[0-9.]+ +[0-9.]+ +[0-9.]+ %"));
+  const CommandResult json = run_vorel({"measure", noisy, picture, "--json"});
+  EXPECT_EQ(json.status, 0);
+  EXPECT_THAT(json.out, HasSubstr("\"noise_index\": null"));
+  expect_refused({"measure", picture, "--patch", "40,8,32,8"}, 1, "64 x 48");
+  expect_refused({"measure", directory / "none.png"}, 2, "No such file");
 }
 
 TEST_F(Command, CheckReportsFindingsPerFile) {

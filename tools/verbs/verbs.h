@@ -13,6 +13,7 @@ struct Verb {
 };
 
 [[nodiscard]] Verb add_denoise_verb(CLI::App& app);
+[[nodiscard]] Verb add_measure_verb(CLI::App& app);
 [[nodiscard]] Verb add_noise_verb(CLI::App& app);
 [[nodiscard]] Verb add_compare_verb(CLI::App& app);
 [[nodiscard]] Verb add_check_verb(CLI::App& app);

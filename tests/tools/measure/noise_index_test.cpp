@@ -1,0 +1,243 @@
+#include "tools/measure/noise_index.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <functional>
+
+#include "tests/support/source_path.h"
+#include "tests/tools/run_command.h"
+#include "tools/measure/frame_view.h"
+#include "tools/measure/patch_noise.h"
+#include "tools/pictures/noise_model.h"
+
+namespace {
+
+using tool::ChromaNoise;
+using tool::NoiseCalibration;
+using tool::Nv21Frame;
+
+constexpr int kWidth = 512;
+constexpr int kHeight = 384;
+
+double noise(uint64_t seed, int x, int y) {
+  return tool::photosite_noise(seed, 0,
+                               static_cast<uint64_t>(y) * 65536 + static_cast<uint64_t>(x));
+}
+
+using Painter = std::function<double(int x, int y)>;
+
+// Luma, U and V as functions of the sample's place.
+Nv21Frame paint(const Painter& luma, const Painter& u, const Painter& v) {
+  const auto sample = [](double value) {
+    return static_cast<uint8_t>(std::clamp(std::lround(value), 0L, 255L));
+  };
+  Nv21Frame frame(kWidth, kHeight);
+  for (int y = 0; y < kHeight; ++y) {
+    for (int x = 0; x < kWidth; ++x) frame.y()[y * kWidth + x] = sample(luma(x, y));
+  }
+  for (int y = 0; y < kHeight / 2; ++y) {
+    for (int x = 0; x < kWidth / 2; ++x) {
+      frame.vu()[y * kWidth + 2 * x] = sample(v(x, y));
+      frame.vu()[y * kWidth + 2 * x + 1] = sample(u(x, y));
+    }
+  }
+  return frame;
+}
+
+double grey(int x, int y) { return 120 + 3 * noise(1, x, y); }
+Painter noisy(uint64_t seed, double deviation, const Painter& clean = nullptr) {
+  return [=](int x, int y) { return (clean ? clean(x, y) : 128) + deviation * noise(seed, x, y); };
+}
+
+double estimate(const Nv21Frame& frame) {
+  const std::optional<ChromaNoise> measured = tool::measure_chroma_noise(view_of(frame));
+  return measured ? measured->estimate : -1;
+}
+
+TEST(ChromaNoise, FindsTheDeviationOfEachPlaneAndScale) {
+  const auto measured = tool::measure_chroma_noise(view_of(paint(grey, noisy(2, 4), noisy(3, 8))));
+  ASSERT_TRUE(measured);
+  for (int scale = 0; scale < tool::kNoiseScales; ++scale) {
+    // The mean of n samples of white noise has its deviation over the root of n; the quiet quarter
+    // lies below the middle, more so where a block has few means.
+    const double expected = 8.0 / (1 << scale);
+    const auto i = static_cast<size_t>(scale);
+    EXPECT_NEAR(measured->first[i], expected, 0.15 * expected) << scale;
+    EXPECT_NEAR(measured->second[i], expected / 2, 0.15 * expected / 2) << scale;
+  }
+  // A board of single samples differs by four of its steps along both diagonals, and means do not.
+  const Painter board = [](int x, int y) { return 128 + ((x + y) % 2 == 0 ? 5 : -5); };
+  const auto exact = tool::measure_chroma_noise(view_of(paint(grey, board, board)));
+  ASSERT_TRUE(exact);
+  EXPECT_EQ(exact->first, (tool::NoiseByScale{10, 0, 0}));
+  EXPECT_EQ(exact->estimate, 0);
+}
+
+TEST(ChromaNoise, IsNotFooledByWhatIsNoNoise) {
+  const Painter weave = [](int x, int y) {
+    return 128 + 20 * std::sin(x * 0.6) * std::sin(y * 0.6);
+  };
+  const Painter stripes = [](int x, int) { return x / 5 % 2 == 0 ? 90.0 : 160.0; };
+  const Painter ramp = [](int x, int y) { return 60 + x * 0.3 + y * 0.2; };
+  const Painter half_weave = [&](int x, int y) { return x < 100 ? 128 : weave(x, y); };
+  const Painter bars = [](int x, int y) { return y < 250 ? 16 : grey(x, y); };
+  const Painter bars_chroma = [](int x, int y) { return y < 125 ? 128 : noisy(2, 6)(x, y); };
+  const Painter black_edge = [](int x, int y) { return x < 250 ? 3 * noise(9, x, y) : grey(x, y); };
+  const double plain = estimate(paint(grey, noisy(2, 6), noisy(3, 6)));
+  EXPECT_GT(plain, 0.5);
+  const struct {
+    const char* what;
+    Nv21Frame frame;
+    double least;
+    double most;
+  } kCases[] = {
+      {"flat", paint(grey, noisy(2, 0), noisy(3, 0)), 0, 0},
+      {"ramp", paint(grey, ramp, ramp), 0, 0.05 * plain},
+      {"stripes", paint(grey, stripes, stripes), 0, 0.05 * plain},
+      {"texture in both planes", paint(grey, weave, weave), 0, 0.05 * plain},
+      {"texture and a little noise", paint(grey, noisy(2, 1, weave), noisy(3, 1, weave)), 0,
+       0.1 * plain},
+      {"noise, most of it under texture",
+       paint(grey, noisy(2, 6, half_weave), noisy(3, 6, half_weave)), 0, 0.7 * plain},
+      {"noise on a ramp", paint(grey, noisy(2, 6, ramp), noisy(3, 6, ramp)), 0.8 * plain,
+       1.2 * plain},
+      {"bars above", paint(bars, bars_chroma, bars_chroma), 0, 1.2 * plain},
+      {"clipped black beside", paint(black_edge, noisy(2, 6), noisy(3, 6)), 0.9 * plain,
+       1.1 * plain},
+  };
+  for (const auto& test : kCases) {
+    const double found = estimate(test.frame);
+    EXPECT_GE(found, test.least) << test.what;
+    EXPECT_LE(found, test.most) << test.what;
+  }
+  const Painter black = [](int, int) { return 2.0; };
+  EXPECT_EQ(estimate(paint(black, noisy(2, 6), noisy(3, 6))), -1) << "nothing but clipped blocks";
+}
+
+TEST(ChromaNoise, ReadsStridesAndEitherOrderAndNothingElse) {
+  const Nv21Frame frame = paint(grey, noisy(2, 4), noisy(3, 8));
+  const auto expected = tool::measure_chroma_noise(view_of(frame));
+  constexpr size_t kStride = kWidth + 24;
+  std::vector<uint8_t> luma(kStride * kHeight, 77);
+  std::vector<uint8_t> swapped(kStride * kHeight / 2, 77);
+  for (size_t y = 0; y < kHeight; ++y) {
+    std::copy_n(frame.y() + y * kWidth, kWidth, &luma[y * kStride]);
+    for (size_t x = 0; y < kHeight / 2 && x < kWidth; ++x) {
+      swapped[y * kStride + x] = frame.vu()[y * kWidth + (x ^ 1)];
+    }
+  }
+  const auto measured = tool::measure_chroma_noise(
+      {luma.data(), kStride, swapped.data(), kStride, kWidth + 11, kHeight});
+  ASSERT_TRUE(expected && measured);
+  EXPECT_EQ(measured->first, expected->second);
+  EXPECT_EQ(measured->second, expected->first);
+  EXPECT_EQ(measured->estimate, expected->estimate);
+}
+
+TEST(NoiseIndex, IsInterpolatedByLogarithms) {
+  const NoiseCalibration levels{{100, 0.5}, {400, 1}, {1600, 4}};
+  const struct {
+    double noise;
+    int index;
+  } kCases[] = {{0, 0},   {0.25, 25}, {0.5, 100}, {std::sqrt(0.5), 200},
+                {1, 400}, {2, 800},   {4, 1600},  {50, 1600}};
+  for (const auto& test : kCases) {
+    EXPECT_NEAR(tool::noise_index_for(test.noise, levels), test.index, 1) << test.noise;
+  }
+  EXPECT_EQ(tool::noise_index_for(1, {{800, 2}}), 400);
+  EXPECT_EQ(tool::noise_index_for(3, {{800, 2}}), 800);
+}
+
+TEST(NoiseIndex, CalibrationIsTheTuningsOwn) {
+  const auto levels = [](const char* indices, const char* noise) {
+    const auto found = tool::calibration_of(std::string(R"([{}, {"noiseIndex_values": )") +
+                                            indices + R"(, "chromaNoise_values": )" + noise + "}]");
+    return found ? static_cast<int>(found->size()) : 0;
+  };
+  EXPECT_EQ(levels("[100, 200]", "[0.5, 1.5]"), 2);
+  EXPECT_EQ(levels("[100, 200, 300]", "[0.5, 1.5]"), 2) << "as far as both say something";
+  for (const char* bad : {"[]", "[1.0, 0.5]", "[0.0, 0.5]", "[1, 2]", "7", "[\"a\", 1.0]"}) {
+    EXPECT_EQ(levels("[100, 200]", bad), 0) << bad;
+  }
+  EXPECT_EQ(levels("[200, 100]", "[0.5, 1.5]"), 0);
+  for (const char* text : {"", "{}", "[]", "[1]", "[{}]"}) EXPECT_FALSE(tool::calibration_of(text));
+}
+
+TEST(NoiseIndex, SampleTuningHoldsTheCalibrationOfTheProgram) {
+  const auto levels =
+      tool::calibration_of(read_text(source_path("tuning/samples/vorel_NOTHING.json")));
+  const NoiseCalibration built_in = tool::sample_calibration();
+  ASSERT_TRUE(levels);
+  ASSERT_EQ(levels->size(), built_in.size());
+  for (size_t i = 0; i < built_in.size(); ++i) {
+    EXPECT_EQ((*levels)[i].noise_index, built_in[i].noise_index);
+    EXPECT_EQ((*levels)[i].chroma_noise, built_in[i].chroma_noise);
+  }
+}
+
+TEST(NoiseIndex, FollowsAVideoSmoothly) {
+  const Nv21Frame weak = paint(grey, noisy(2, 4), noisy(3, 4));
+  const Nv21Frame strong = paint(grey, noisy(4, 16), noisy(5, 16));
+  const Nv21Frame black = paint([](int, int) { return 0.0; }, noisy(2, 6), noisy(3, 6));
+  tool::NoiseIndexTracker alone(tool::sample_calibration());
+  tool::NoiseIndexTracker tracker(tool::sample_calibration());
+  EXPECT_EQ(tracker.next(view_of(black)), std::nullopt);
+  const std::optional<int> first = tracker.next(view_of(weak));
+  const std::optional<int> end = alone.next(view_of(strong));
+  ASSERT_TRUE(first && end);
+  EXPECT_EQ(tracker.next(view_of(black)), first) << "holds where nothing can be measured";
+  int before = *first;
+  for (int frame = 0; frame < 40; ++frame) {
+    const int index = *tracker.next(view_of(strong));
+    EXPECT_GT(index, before - 1);
+    EXPECT_LT(index, before * 1.6) << "no jump";
+    before = index;
+  }
+  EXPECT_NEAR(before, *end, 0.05 * *end);
+}
+
+TEST(PatchNoise, TellsCoarseFromFine) {
+  constexpr int kSide = 64;
+  const auto measure = [](const Painter& painter) {
+    std::vector<uint8_t> samples;
+    for (int y = 0; y < kSide; ++y) {
+      for (int x = 0; x < kSide; ++x) {
+        samples.push_back(static_cast<uint8_t>(std::lround(painter(x, y))));
+        samples.push_back(255);  // the other plane of the pairs
+      }
+    }
+    return tool::measure_patch({samples.data(), 2 * kSide, 2, kSide, kSide});
+  };
+  const double turn = 2 * M_PI / kSide;
+  const struct {
+    const char* what;
+    Painter painter;
+    double deviation;
+    double share;
+    double tolerance;
+  } kCases[] = {
+      {"flat", [](int, int) { return 100.0; }, 0, 0, 0},
+      {"board", [](int x, int y) { return 100 + ((x + y) % 2 == 0 ? 6 : -6); }, 6, 0, 1e-9},
+      {"two waves along", [&](int x, int) { return 100 + 40 * std::sin(2 * turn * x); },
+       40 / std::sqrt(2), 1, 0.01},
+      {"three waves down", [&](int, int y) { return 100 + 40 * std::sin(3 * turn * y); },
+       40 / std::sqrt(2), 1, 0.01},
+      {"four waves are fine", [&](int x, int) { return 100 + 40 * std::sin(4 * turn * x); },
+       40 / std::sqrt(2), 0, 0.01},
+      {"slanted, together too fine",
+       [&](int x, int y) { return 100 + 40 * std::sin(3 * turn * (x - y)); }, 40 / std::sqrt(2), 0,
+       0.01},
+      {"slanted", [&](int x, int y) { return 100 + 40 * std::sin(2 * turn * (x - y)); },
+       40 / std::sqrt(2), 1, 0.01},
+      {"white", [](int x, int y) { return 100 + 10 * noise(7, x, y); }, 10, 0.012, 0.008},
+  };
+  for (const auto& test : kCases) {
+    const tool::PatchNoise found = measure(test.painter);
+    EXPECT_NEAR(found.mean, 100, 0.5) << test.what;
+    EXPECT_NEAR(found.deviation, test.deviation, 0.03 * test.deviation) << test.what;
+    EXPECT_NEAR(found.coarse_share, test.share, test.tolerance) << test.what;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,163 @@
+#include "tools/verbs/measure.h"
+
+#include <jansson.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "tools/files/failure.h"
+#include "tools/measure/frame_view.h"
+#include "tools/measure/noise_index.h"
+#include "tools/measure/patch_noise.h"
+#include "tools/pictures/colour.h"
+#include "tools/pictures/exif_iso.h"
+
+namespace tool {
+namespace {
+
+struct PatchPlanes {
+  PatchNoise y;
+  PatchNoise u;
+  PatchNoise v;
+};
+
+struct Measured {
+  Size size;
+  std::optional<NoiseByScale> luma;
+  std::optional<ChromaNoise> chroma;  // first is V: frames are NV21
+  std::optional<int> noise_index;
+  std::optional<int> iso;
+  std::optional<PatchPlanes> patch;
+};
+
+PatchPlanes measure_planes(const Nv21Frame& frame, const Crop& patch) {
+  const auto width = static_cast<size_t>(frame.width);
+  const auto x = static_cast<size_t>(patch.x);
+  const uint8_t* luma = frame.y() + static_cast<size_t>(patch.y) * width + x;
+  // Chroma samples that lie in the patch with all their pixels, but one at least.
+  const auto chroma_x = static_cast<size_t>((patch.x + 1) / 2);
+  const auto chroma_y = static_cast<size_t>((patch.y + 1) / 2);
+  const auto stride = static_cast<size_t>(frame.chroma_stride());
+  const uint8_t* pair = frame.vu() + chroma_y * stride + 2 * chroma_x;
+  const int chroma_width = std::max((patch.x + patch.width) / 2 - (patch.x + 1) / 2, 1);
+  const int chroma_height = std::max((patch.y + patch.height) / 2 - (patch.y + 1) / 2, 1);
+  return {measure_patch({luma, width, 1, patch.width, patch.height}),
+          measure_patch({pair + 1, stride, 2, chroma_width, chroma_height}),
+          measure_patch({pair, stride, 2, chroma_width, chroma_height})};
+}
+
+Measured measure(const std::string& path, const MeasureOptions& options,
+                 const NoiseCalibration& calibration) {
+  const std::unique_ptr<PictureInput> input = PictureInput::open(path, options.read);
+  const std::optional<Picture> picture = input->next();
+  if (!picture) throw input_error(path, "holds no frame");
+  const Nv21Frame frame = as_nv21(*picture, input->colour());
+  const FrameView view = view_of(frame);
+  Measured measured{
+      picture->size(), measure_luma_noise(view), measure_chroma_noise(view), {}, {}, {}};
+  if (measured.chroma) {
+    measured.noise_index = noise_index_for(measured.chroma->estimate, calibration);
+  }
+  measured.iso = exif_iso(picture->metadata.exif);
+  if (options.patch) {
+    const Crop& patch = *options.patch;
+    if (patch.width > frame.width - patch.x || patch.height > frame.height - patch.y ||
+        patch.width < 2 || patch.height < 2) {
+      throw usage_error("--patch does not lie in " + path + ", which is " +
+                        size_text(measured.size) + ", or is less than 2 x 2");
+    }
+    measured.patch = measure_planes(frame, patch);
+  }
+  return measured;
+}
+
+void print_scales(const char* plane, const NoiseByScale& noise) {
+  std::printf("  %-14s%8.2f%8.2f%8.2f\n", plane, noise[0], noise[1], noise[2]);
+}
+
+void print_patch(const char* plane, const PatchNoise& noise) {
+  std::printf("  %-14s%8.2f%11.2f%16.1f %%\n", plane, noise.mean, noise.deviation,
+              100 * noise.coarse_share);
+}
+
+void print(const std::string& path, const Measured& measured) {
+  std::printf("%s (%s)\n", path.c_str(), size_text(measured.size).c_str());
+  const std::string iso = measured.iso ? "Exif says ISO " + std::to_string(*measured.iso) : "";
+  if (measured.chroma) {
+    std::printf("  %-14s%8s%8s%8s\n", "noise", "1 x 1", "2 x 2", "4 x 4");
+    print_scales("Y", *measured.luma);
+    print_scales("U", measured.chroma->second);
+    print_scales("V", measured.chroma->first);
+    std::printf("  %-14s%8.2f\n", "estimate", measured.chroma->estimate);
+    std::printf("  %-14s%8d%s\n", "noise index", *measured.noise_index,
+                iso.empty() ? "" : (" (" + iso + ")").c_str());
+  } else {
+    std::printf(
+        "  too little that is neither clipped nor flat to measure noise in: %d blocks of "
+        "64 x 64 pixels are needed%s\n",
+        kLeastNoiseBlocks, iso.empty() ? "" : ("; " + iso).c_str());
+  }
+  if (!measured.patch) return;
+  std::printf("  %-14s%8s%11s%18s\n", "patch", "mean", "deviation", "below 1/16");
+  print_patch("Y", measured.patch->y);
+  print_patch("U", measured.patch->u);
+  print_patch("V", measured.patch->v);
+}
+
+json_t* scales_json(const std::optional<NoiseByScale>& noise) {
+  if (!noise) return json_null();
+  return json_pack("[f,f,f]", (*noise)[0], (*noise)[1], (*noise)[2]);
+}
+
+json_t* patch_json(const PatchNoise& noise) {
+  return json_pack("{s:f,s:f,s:f}", "mean", noise.mean, "deviation", noise.deviation,
+                   "coarse_share", noise.coarse_share);
+}
+
+json_t* picture_json(const std::string& path, const Measured& measured) {
+  const std::optional<ChromaNoise>& chroma = measured.chroma;
+  const auto whole = [](const std::optional<int>& number) {
+    return number ? json_integer(*number) : json_null();
+  };
+  json_t* json = json_pack(
+      "{s:s%,s:i,s:i,s:o,s:o,s:o,s:o,s:o,s:o}", "file", path.data(), path.size(), "width",
+      measured.size.width, "height", measured.size.height, "y", scales_json(measured.luma), "u",
+      scales_json(chroma ? std::optional(chroma->second) : std::nullopt), "v",
+      scales_json(chroma ? std::optional(chroma->first) : std::nullopt), "estimate",
+      chroma ? json_real(chroma->estimate) : json_null(), "noise_index",
+      whole(measured.noise_index), "exif_iso", whole(measured.iso));
+  if (measured.patch) {
+    json_object_set_new(
+        json, "patch",
+        json_pack("{s:o,s:o,s:o}", "y", patch_json(measured.patch->y), "u",
+                  patch_json(measured.patch->u), "v", patch_json(measured.patch->v)));
+  }
+  return json;
+}
+
+}  // namespace
+
+void run_measure(const MeasureOptions& options) {
+  const NoiseCalibration calibration = sample_calibration();
+  json_t* pictures = json_array();
+  for (const std::string& path : options.inputs) {
+    const Measured measured = measure(path, options, calibration);
+    if (options.json) {
+      json_array_append_new(pictures, picture_json(path, measured));
+    } else {
+      print(path, measured);
+    }
+  }
+  if (options.json) {
+    json_t* root = json_pack("{s:o}", "pictures", pictures);
+    json_dumpf(root, stdout, JSON_INDENT(2) | JSON_REAL_PRECISION(6));
+    std::fputs("\n", stdout);
+    json_decref(root);
+  } else {
+    json_decref(pictures);
+  }
+}
+
+}  // namespace tool
