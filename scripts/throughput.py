@@ -26,51 +26,30 @@ FLAGS = [
     "-isystem", "/usr/include/android",
 ]
 
-def luma(size):
-    return size[0] * size[1]
+LIST = ROOT / "tests/kernels/kernel_list.h"
 
 
-def bordered(size):
-    """Samples of both bordered chroma planes."""
-    return 2 * (size[0] // 2 + 64) * (size[1] // 2 + 64)
+def listed_kernels(size):
+    """Name, loops that each sample passes, samples of a frame, as the kernel list has them.
 
-
-# One loop of a kernel: source, part of the function's demangled name, instructions that the loop has
-# (or has not, with a minus) when the function has several, and the bytes that it stores per sample
-# or, for a loop that keeps its sums in registers, the samples of an iteration as a negative number.
-RESTORE = "convert/restore_rows.cpp"
-SYM4 = "wavelet/kernels/sym4_rows.cpp"
-SHRINK = "wavelet/kernels/shrinkage_rows.cpp"
-HAAR = "wavelet/kernels/haar_rows.cpp"
-
-
-def mean(function):
-    return [(RESTORE, function, "umlal2", 2), (RESTORE, function, "umull2 uzp2", 2),
-            (RESTORE, function, "shrn2", 1)]
-
-
-# Name, loops that each sample passes, samples of a frame.
-KERNELS = [
-    ("box_filter", [("filters/box_filter.cpp", "filter_row<4>", "", 4)], luma),
-    ("bilateral_filter, one tap", [("filters/bilateral_tile.cpp", "filter_tile(", "tbl uaddw2", -32)],
-     lambda size: 3 * 49 * luma(size) / 256),
-    ("upsample_y", [("convert/upsample.cpp", "upsample_y_neon(", "", 1)], luma),
-    ("restore, luma", [(RESTORE, "restore_luma_row(", "uabd bif -cmp", 2),
-                       *mean("restore_luma_row(")], luma),
-    ("restore, chroma", [(RESTORE, "restore_chroma_row(", "orr shll2 -fdiv", 1),
-                         (RESTORE, "restore_chroma_row(", "uabd -fdiv", 2),
-                         (RESTORE, "restore_chroma_row(", "fdiv fcmgt -mla", 1),
-                         *mean("restore_chroma_row(")], lambda size: luma(size) / 2),
-    ("Symlet-4 analysis", [(SYM4, "walk_analysis(", "", 2)], lambda size: 2.5 * bordered(size)),
-    ("Symlet-4 synthesis", [(SYM4, "walk_synthesis(", "", 2)], lambda size: 2.5 * bordered(size)),
-    ("shrinkage", [(SHRINK, "shrink_row(", "fcvtl2 fdiv", 2)], lambda size: 1.375 * bordered(size)),
-    ("Haar, directional rows", [(HAAR, "split_directional_row<_Float16>", "", 2)],
-     lambda size: 4 * bordered(size) / 16),
-    ("Haar, columns", [(HAAR, "sum_tapped_rows<_Float16>", "", 2)],
-     lambda size: 15 * bordered(size) / 16),
-    ("saturation", [("wavelet/kernels/saturation_rows.cpp", "saturate_row(", "fdiv", 2)],
-     lambda size: luma(size) / 4),
-]
+    `.arm_loops` of a kernel is text, one part (or several, between "||") of "name | samples of a
+    frame | loop | loop...", where "luma" are the frame's luma samples and "bordered" those of both
+    bordered chroma planes. A loop is "source : part of the function's demangled name : instructions
+    that it has (or has not, with a minus) when the function has several loops : bytes that it
+    stores per sample", the last for a loop that keeps its sums in registers the samples of an
+    iteration as a negative number.
+    """
+    names = {"luma": size[0] * size[1], "bordered": 2 * (size[0] // 2 + 64) * (size[1] // 2 + 64)}
+    kernels = []
+    for strings in re.findall(r'\.arm_loops\s*=((?:\s*"[^"]*")+)', LIST.read_text()):
+        for part in "".join(re.findall(r'"([^"]*)"', strings)).split("||"):
+            name, samples, *loops = (field.strip() for field in part.split("|"))
+            fields = [[field.strip() for field in loop.split(" : ")] for loop in loops]
+            kernels.append((name, [(*loop[:3], int(loop[3])) for loop in fields],
+                            eval(samples, {"__builtins__": {}}, names)))
+    if not kernels:
+        sys.exit(f"throughput: {LIST} names no loops")
+    return kernels
 
 
 def assembly(source):
@@ -175,7 +154,7 @@ def main():
     print("|:--|--:|--:|--:|")
     texts = {}
     frame = [0.0, 0.0]
-    for name, pieces, samples in KERNELS:
+    for name, pieces, samples in listed_kernels(size):
         instructions = 0.0
         each = [0.0, 0.0]
         for source, function, words, sample_bytes in pieces:
@@ -191,7 +170,7 @@ def main():
             for i, core in enumerate(CORES):
                 each[i] += cycles(loop, core) / per_iteration
         for i in range(2):
-            frame[i] += each[i] * samples(size)
+            frame[i] += each[i] * samples
         print(f"| {name} | {16 * instructions:.1f} | {each[0]:.3f} | {each[1]:.3f} |")
     print()
     for core, total, ghz in zip(CORES, frame, options.ghz):

@@ -39,6 +39,12 @@ void fill_pattern(uint8_t* data, size_t count, Pattern pattern, std::mt19937& ra
       case Pattern::kAlternating:
         data[i] = static_cast<uint8_t>(i % 2 * 255);
         break;
+      case Pattern::kNear:
+        data[i] = static_cast<uint8_t>(116 + random() % 24);
+        break;
+      case Pattern::kPicture:
+        data[i] = static_cast<uint8_t>(96 + (i >> 6) % 64 + random() % 16);
+        break;
     }
   }
 }

@@ -45,11 +45,12 @@ class GuardedPlane {
 };
 
 // Sample patterns that find faults in byte kernels.
-enum class Pattern { kRandom, kLow, kHigh, kAlternating };
+enum class Pattern { kRandom, kLow, kHigh, kAlternating, kNear, kPicture };
 inline constexpr Pattern kAllPatterns[] = {Pattern::kRandom, Pattern::kLow, Pattern::kHigh,
-                                           Pattern::kAlternating};
+                                           Pattern::kAlternating, Pattern::kNear};
 
-// Fills with random bytes, 0, 255, or 0 and 255 in turn.
+// Fills with random bytes, 0, 255, 0 and 255 in turn, or bytes that differ little from grey, or
+// what looks like a picture to a benchmark: smooth, with noise on top.
 void fill_pattern(uint8_t* data, size_t count, Pattern pattern, std::mt19937& random);
 
 #endif  // VOREL_TESTS_SUPPORT_GUARDED_PLANE_H_

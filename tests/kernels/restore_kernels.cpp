@@ -1,0 +1,269 @@
+// The restore step, pixel by pixel in 64-bit integers.
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+
+#include "tests/kernels/kernel_list.h"
+#include "vorel/convert.h"
+
+namespace {
+
+// Inputs, then outputs: those of the forms that work in place are inputs too.
+enum : size_t { kLow, kHigh, kU, kV, kY, kUv, kOutY, kOutUv };
+enum : size_t { kHalfU = kOutY, kHalfV, kPacked = kY };
+
+// d_Y_upper_thresh, d_Y_lower_thresh, d_UV_thresh, cs_upper_thresh, cs_lower_thresh: both sides of
+// every limit at which the kernels change their arithmetic, and what a broken tuning file may hold.
+constexpr int32_t kThresholds[][5] = {
+    {4, 1, 16, 48, 36},
+    {200, 1, 300, 48, 36},
+    {1, 0, 1, 48, 36},
+    {2, 0, 3, 48, 0},
+    {100, 40, 64, 256, 1},
+    {65, 255, 127, 5, 30},
+    {128, -5, 128, 0, 0},
+    {129, 3, 129, 256, 0},
+    {1000, INT_MIN, 2000, 1, 1},
+    {7, 7, 16, 32767, 32767},
+    {7, 6, 16, 32768, 32767},
+    {7, 5, 16, 48, 32768},
+    {-1, -2, -1, 48, 36},
+    {-300, -301, 16, -7, 36},
+    {INT_MAX, INT_MAX - 1, INT_MAX, INT_MAX, INT_MAX},
+    {INT_MAX, -1, INT_MAX, INT_MIN, INT_MAX},
+    {INT_MIN, INT_MIN, INT_MIN, 48, INT_MIN},
+    {INT_MIN + 1, INT_MIN, 1 << 24, 3, 2},
+};
+
+interleaving_tuning tuning_of(const KernelData& data) {
+  const auto& thresholds = kThresholds[data.variant];
+  interleaving_tuning tuning{};
+  tuning.d_Y_upper_thresh = thresholds[0];
+  tuning.d_Y_lower_thresh = thresholds[1];
+  tuning.d_UV_thresh = thresholds[2];
+  tuning.cs_upper_thresh = thresholds[3];
+  tuning.cs_lower_thresh = thresholds[4];
+  return tuning;
+}
+
+int64_t rounded_mean(int64_t weight, int64_t input, int64_t filtered, int64_t total) {
+  const uint64_t sum = static_cast<uint64_t>(weight * input + (total - weight) * filtered);
+  const float quotient = static_cast<float>(static_cast<int16_t>(sum & 0xFFFF)) /
+                         static_cast<float>(static_cast<int32_t>(total));
+  return static_cast<int64_t>(quotient + 0.5f);
+}
+
+uint8_t plain_luma(int input, int low, int high, const interleaving_tuning& t) {
+  const int rebuilt = std::clamp(low + high - 128, 0, 255);
+  const int64_t distance = std::min<int64_t>(std::abs(rebuilt - input), t.d_Y_upper_thresh);
+  if (distance <= t.d_Y_lower_thresh) return static_cast<uint8_t>(input);
+  return static_cast<uint8_t>(rounded_mean(distance, input, rebuilt, t.d_Y_upper_thresh) & 0xFF);
+}
+
+struct Pair {
+  uint8_t first, second;
+};
+
+Pair plain_chroma(Pair c, Pair p, const interleaving_tuning& t) {
+  int64_t s = std::abs(c.first - 128) + std::abs(c.second - 128);
+  if (s < t.cs_lower_thresh) s = t.cs_lower_thresh;
+  if (s > t.cs_upper_thresh) s = t.cs_upper_thresh;
+  const int64_t e = std::abs(c.first - p.first) + std::abs(c.second - p.second);
+  int64_t a = s == 0 ? 0 : (64 * e + s / 2) / s;
+  if (a < 0) a = 0;
+  if (a > t.d_UV_thresh) a = t.d_UV_thresh;
+  if (a == 0) return p;
+  if (a == t.d_UV_thresh) return c;
+  const auto blend = [&](int input, int filtered) {
+    return static_cast<uint8_t>(
+        std::clamp<int64_t>(rounded_mean(a, input, filtered, t.d_UV_thresh), 0, 255));
+  };
+  return {blend(c.first, p.first), blend(c.second, p.second)};
+}
+
+void add_restored_planes(KernelData& data, int chroma_rows) {
+  const KernelSize size = data.size;
+  data.add_input(size.height, size.width);
+  data.add_input(size.height, size.width);
+  data.add_input(chroma_rows, size.width / 2);
+  data.add_input(chroma_rows, size.width / 2);
+}
+
+void add_planar(KernelData& data) {
+  add_restored_planes(data, data.size.height / 2);
+  data.add_input(data.size.height, data.size.width);
+  data.add_input(data.size.height / 2, data.size.width);
+}
+
+int half_pitch(const KernelData& data) { return data.size.width / 2 + 3; }
+
+interleave_job describe_strip(KernelData& data, KernelStrip strip) {
+  const int width = data.size.width;
+  const int luma = strip.first * width;
+  const int pairs = strip.first / 2 * (width / 2);
+  interleave_job job{};
+  job.width = width;
+  job.rows = strip.end - strip.first;
+  job.y_low = data.bytes(kLow) + luma;
+  job.y_high = data.bytes(kHigh) + luma;
+  job.upsampled_u = data.bytes(kU) + pairs;
+  job.upsampled_v = data.bytes(kV) + pairs;
+  job.y_in = job.y_out = data.bytes(kY) + luma;
+  job.uv_in = job.uv_out = data.bytes(kUv) + 2 * pairs;
+  return job;
+}
+
+void restore_luma_plainly(KernelData& data, KernelStrip strip, uint8_t* out) {
+  const interleaving_tuning tuning = tuning_of(data);
+  const int width = data.size.width;
+  for (int i = strip.first * width; i < strip.end * width; ++i) {
+    out[i] = plain_luma(data.bytes(kY)[i], data.bytes(kLow)[i], data.bytes(kHigh)[i], tuning);
+  }
+}
+
+template <typename Store>
+void restore_chroma_plainly(KernelData& data, KernelStrip strip, Store store) {
+  const interleaving_tuning tuning = tuning_of(data);
+  const int pairs = data.size.width / 2;
+  const uint8_t* uv = data.bytes(kUv);
+  for (int i = strip.first / 2 * pairs; i < strip.end / 2 * pairs; ++i) {
+    store(i,
+          plain_chroma({uv[2 * i], uv[2 * i + 1]}, {data.bytes(kU)[i], data.bytes(kV)[i]}, tuning));
+  }
+}
+
+void store_pairs_plainly(KernelData& data, KernelStrip strip, uint8_t* out) {
+  restore_chroma_plainly(data, strip, [&](int i, Pair pair) {
+    out[2 * i] = pair.first;
+    out[2 * i + 1] = pair.second;
+  });
+}
+
+void restore_packed_plainly(KernelData& data, KernelStrip strip, bool with_luma) {
+  const interleaving_tuning tuning = tuning_of(data);
+  const int width = data.size.width;
+  for (int i = strip.first * width; i < strip.end * width; i += 2) {
+    uint8_t* group = data.bytes(kPacked) + 2 * i;
+    const Pair pair =
+        plain_chroma({group[1], group[3]}, {data.bytes(kU)[i / 2], data.bytes(kV)[i / 2]}, tuning);
+    group[1] = pair.first;
+    group[3] = pair.second;
+    for (int k = 0; with_luma && k < 2; ++k) {
+      group[2 * k] =
+          plain_luma(group[2 * k], data.bytes(kLow)[i + k], data.bytes(kHigh)[i + k], tuning);
+    }
+  }
+}
+
+}  // namespace
+
+void make_restore_planar(KernelData& data) { add_planar(data); }
+
+void run_restore_planar(KernelData& data, KernelStrip strip) {
+  const interleaving_tuning tuning = tuning_of(data);
+  interleave_job job = describe_strip(data, strip);
+  job.tuning = &tuning;
+  restore_interleave_yuv420(&job);
+}
+
+void plain_restore_planar(KernelData& data, KernelStrip strip) {
+  restore_luma_plainly(data, strip, data.bytes(kY));
+  store_pairs_plainly(data, strip, data.bytes(kUv));
+}
+
+void make_restore_planar_apart(KernelData& data) {
+  add_planar(data);
+  data.add_output(data.size.height, data.size.width);
+  data.add_output(data.size.height / 2, data.size.width);
+}
+
+void run_restore_planar_apart(KernelData& data, KernelStrip strip) {
+  interleaving_tuning tuning = tuning_of(data);
+  const int width = data.size.width;
+  const int luma = strip.first * width;
+  const int pairs = strip.first / 2 * (width / 2);
+  restore_interleave_yuv420_neon(
+      data.bytes(kY) + luma, data.bytes(kUv) + 2 * pairs, data.bytes(kLow) + luma,
+      data.bytes(kHigh) + luma, data.bytes(kU) + pairs, data.bytes(kV) + pairs, width,
+      strip.end - strip.first, data.bytes(kOutY) + luma, data.bytes(kOutUv) + 2 * pairs, &tuning);
+}
+
+void plain_restore_planar_apart(KernelData& data, KernelStrip strip) {
+  restore_luma_plainly(data, strip, data.bytes(kOutY));
+  store_pairs_plainly(data, strip, data.bytes(kOutUv));
+}
+
+void make_restore_planar_half(KernelData& data) {
+  add_planar(data);
+  data.add_output(data.size.height / 2, half_pitch(data), Plane::Samples::kHalves);
+  data.add_output(data.size.height / 2, half_pitch(data), Plane::Samples::kHalves);
+}
+
+void run_restore_planar_half(KernelData& data, KernelStrip strip) {
+  interleaving_tuning tuning = tuning_of(data);
+  interleave_job job = describe_strip(data, strip);
+  const int half = strip.first / 2 * half_pitch(data);
+  restore_interleave_yuv420_mfd_uv_neon(
+      job.y_out, job.uv_out, data.bytes(kLow) + strip.first * data.size.width,
+      data.bytes(kHigh) + strip.first * data.size.width,
+      data.bytes(kU) + strip.first / 2 * (data.size.width / 2),
+      data.bytes(kV) + strip.first / 2 * (data.size.width / 2), job.width, job.rows, job.y_out,
+      data.halves(kHalfU) + half, data.halves(kHalfV) + half, half_pitch(data), &tuning);
+}
+
+void plain_restore_planar_half(KernelData& data, KernelStrip strip) {
+  restore_luma_plainly(data, strip, data.bytes(kY));
+  const int pairs = data.size.width / 2;
+  restore_chroma_plainly(data, strip, [&](int i, Pair pair) {
+    const int at = i / pairs * half_pitch(data) + i % pairs;
+    data.halves(kHalfU)[at] = pair.first;
+    data.halves(kHalfV)[at] = pair.second;
+  });
+}
+
+void make_restore_planar_chroma(KernelData& data) { add_planar(data); }
+
+void run_restore_planar_chroma(KernelData& data, KernelStrip strip) {
+  interleaving_tuning tuning = tuning_of(data);
+  const int pairs = strip.first / 2 * (data.size.width / 2);
+  uint8_t* uv = data.bytes(kUv) + 2 * pairs;
+  restore_interleave_uv420_neon(nullptr, uv, nullptr, nullptr, data.bytes(kU) + pairs,
+                                data.bytes(kV) + pairs, data.size.width, strip.end - strip.first,
+                                uv, &tuning);
+}
+
+void plain_restore_planar_chroma(KernelData& data, KernelStrip strip) {
+  store_pairs_plainly(data, strip, data.bytes(kUv));
+}
+
+void make_restore_packed(KernelData& data) {
+  add_restored_planes(data, data.size.height);
+  data.add_input(data.size.height, 2 * data.size.width);
+}
+
+void run_restore_packed(KernelData& data, KernelStrip strip) {
+  interleaving_tuning tuning = tuning_of(data);
+  const int at = strip.first * data.size.width;
+  restore_interleave_yuv422_neon(data.bytes(kPacked) + 2 * at, data.bytes(kLow) + at,
+                                 data.bytes(kHigh) + at, data.bytes(kU) + at / 2,
+                                 data.bytes(kV) + at / 2, data.size.width, strip.end - strip.first,
+                                 &tuning);
+}
+
+void plain_restore_packed(KernelData& data, KernelStrip strip) {
+  restore_packed_plainly(data, strip, true);
+}
+
+void make_restore_packed_chroma(KernelData& data) { make_restore_packed(data); }
+
+void run_restore_packed_chroma(KernelData& data, KernelStrip strip) {
+  interleaving_tuning tuning = tuning_of(data);
+  const int at = strip.first * data.size.width;
+  restore_interleave_uv422_neon(data.bytes(kPacked) + 2 * at, nullptr, nullptr,
+                                data.bytes(kU) + at / 2, data.bytes(kV) + at / 2, data.size.width,
+                                strip.end - strip.first, &tuning);
+}
+
+void plain_restore_packed_chroma(KernelData& data, KernelStrip strip) {
+  restore_packed_plainly(data, strip, false);
+}
