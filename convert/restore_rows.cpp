@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/byte_lanes.h"
 #include "platform/vectorize.h"
 
 namespace {
@@ -50,34 +51,91 @@ void restore_luma_block(uint8_t* __restrict luma, const uint8_t* __restrict low,
   mean_block(luma, rebuilt, weights, count, plan.luma);
 }
 
+ByteLanes stepped(ByteLanes luma, ByteLanes low, ByteLanes high, ByteTable up, ByteTable down) {
+  using SignedLanes = int8_t __attribute__((vector_size(kLanes)));
+  const ByteLanes offset = ByteLanes{} + 0x80;
+  const SignedLanes sum = __builtin_elementwise_add_sat(
+      reinterpret_cast<SignedLanes>(low ^ offset), reinterpret_cast<SignedLanes>(high ^ offset));
+  const ByteLanes rebuilt = reinterpret_cast<ByteLanes>(sum) ^ offset;
+  // One of the two is 0, and so is the step for a difference of 0.
+  return luma + look_up(up, __builtin_elementwise_sub_sat(rebuilt, luma)) +
+         look_up(down, __builtin_elementwise_sub_sat(luma, rebuilt));
+}
+
+void restore_luma_row_stepped(uint8_t* luma, const uint8_t* low, const uint8_t* high, size_t width,
+                              const LumaSteps& steps) {
+  const ByteTable up = load_table(steps.up);
+  const ByteTable down = load_table(steps.down);
+  size_t x = 0;
+  for (; x + kLanes <= width; x += kLanes) {
+    store_lanes(stepped(load_lanes(luma + x), load_lanes(low + x), load_lanes(high + x), up, down),
+                luma + x);
+  }
+  if (x == width) return;
+  ByteLanes rest[3] = {};
+  uint8_t* bytes[3] = {reinterpret_cast<uint8_t*>(&rest[0]), reinterpret_cast<uint8_t*>(&rest[1]),
+                       reinterpret_cast<uint8_t*>(&rest[2])};
+  std::copy_n(luma + x, width - x, bytes[0]);
+  std::copy_n(low + x, width - x, bytes[1]);
+  std::copy_n(high + x, width - x, bytes[2]);
+  rest[0] = stepped(rest[0], rest[1], rest[2], up, down);
+  std::copy_n(bytes[0], width - x, luma + x);
+}
+
+// What each difference below the upper threshold makes of a sample; zeros keep it.
+void set_steps(LumaSteps& steps, int32_t upper, int32_t lower) {
+  for (int32_t distance = 0; distance < LumaSteps::kSteps; ++distance) {
+    const bool moves = distance < upper && distance > lower;
+    const uint8_t far = static_cast<uint8_t>(distance);
+    // A sample and one that is `distance` above it, then below it.
+    const int32_t up = wide_mean(distance, 0, far, upper);
+    const int32_t down = wide_mean(distance, far, 0, upper) - distance;
+    steps.up[distance] = static_cast<uint8_t>(moves ? up : 0);
+    steps.down[distance] = static_cast<uint8_t>(moves ? down : 0);
+  }
+}
+
+// A function of the block, so that its sums stay in the first-level cache. The sums of the pairs'
+// first bytes come before those of the second ones.
+template <int kBits>
 void restore_chroma_block(uint8_t* __restrict pairs, const uint8_t* __restrict u,
                           const uint8_t* __restrict v, size_t count, const RestorePlan& plan) {
-  uint8_t filtered[kRestoreBlock];
-  uint8_t saturations[kRestoreBlock];
-  uint8_t distances[kRestoreBlock];
-  uint8_t weights[kRestoreBlock];
+  constexpr size_t kHalf = kRestoreBlock / 2;
+  uint16_t sums[kRestoreBlock];
+  uint16_t* __restrict second_sums = sums + kHalf;
+  const uint16_t lower = plan.scale_lower;
+  const uint16_t upper = plan.scale_upper;
+  const uint16_t total = plan.chroma.total;
+  const uint16_t unit = plan.chroma.scale;
+  const uint16_t half = static_cast<uint16_t>(plan.chroma.half * unit);
+  const uint16_t whole = static_cast<uint16_t>(total * unit);
   VOREL_VECTORIZE
   for (size_t k = 0; k < count; ++k) {
-    store_pair(filtered, k, static_cast<uint16_t>(u[k] | v[k] << 8));
+    const uint16_t pair = load_pair(pairs, k);
+    const uint8_t first = static_cast<uint8_t>(pair);
+    const uint8_t second = static_cast<uint8_t>(pair >> 8);
+    const uint16_t saturation =
+        static_cast<uint16_t>(absolute_difference(first, 128) + absolute_difference(second, 128));
+    const uint16_t distance =
+        static_cast<uint16_t>(absolute_difference(first, u[k]) + absolute_difference(second, v[k]));
+    const uint16_t raised = saturation > lower ? saturation : lower;
+    const uint16_t scale = raised < upper ? raised : upper;
+    const uint16_t weight =
+        static_cast<uint16_t>(narrow_chroma_weight<kBits>(distance, scale, total) * unit);
+    const uint16_t rest = static_cast<uint16_t>(whole - weight);
+    sums[k] = static_cast<uint16_t>(weight * first + rest * u[k] + half);
+    second_sums[k] = static_cast<uint16_t>(weight * second + rest * v[k] + half);
   }
   VOREL_VECTORIZE
-  for (size_t i = 0; i < 2 * count; ++i) {
-    saturations[i] = absolute_difference(pairs[i], 128);
-    distances[i] = absolute_difference(pairs[i], filtered[i]);
-  }
-  const int32_t cs_lower = plan.tuning.cs_lower_thresh;
-  const int32_t cs_upper = plan.tuning.cs_upper_thresh;
-  const float total = static_cast<float>(plan.chroma.total);
+  for (size_t k = 0; k < count; ++k) sums[k] = upper_half(sums[k], plan.chroma.multiplier[k]);
   VOREL_VECTORIZE
   for (size_t k = 0; k < count; ++k) {
-    const uint16_t saturation = load_pair(saturations, k);
-    const uint16_t distance = load_pair(distances, k);
-    const int32_t weight =
-        chroma_weight((saturation & 0xFF) + (saturation >> 8), (distance & 0xFF) + (distance >> 8),
-                      cs_lower, cs_upper, total);
-    store_pair(weights, k, static_cast<uint16_t>(weight | weight << 8));
+    second_sums[k] = upper_half(second_sums[k], plan.chroma.multiplier[k]);
   }
-  mean_block(pairs, filtered, weights, 2 * count, plan.chroma);
+  VOREL_VECTORIZE
+  for (size_t k = 0; k < count; ++k) {
+    store_pair(pairs, k, static_cast<uint16_t>(sums[k] >> 6 | second_sums[k] >> 6 << 8));
+  }
 }
 
 void restore_luma_row_wide(uint8_t* __restrict luma, const uint8_t* __restrict low,
@@ -119,14 +177,24 @@ void restore_chroma_row_wide(uint8_t* __restrict pairs, const uint8_t* __restric
 RestorePlan::RestorePlan(const interleaving_tuning& thresholds) : tuning(thresholds) {
   // With a distance of 0 the two means agree, so a negative lower threshold acts like 0.
   luma_lower = static_cast<uint8_t>(std::clamp(thresholds.d_Y_lower_thresh, 0, 255));
+  stepped_luma =
+      thresholds.d_Y_upper_thresh >= 1 && thresholds.d_Y_upper_thresh <= LumaSteps::kSteps;
+  if (stepped_luma) set_steps(steps, thresholds.d_Y_upper_thresh, luma_lower);
   narrow_luma = is_narrow_total(thresholds.d_Y_upper_thresh);
   if (narrow_luma) set_divisor(luma, thresholds.d_Y_upper_thresh);
-  narrow_chroma = is_narrow_total(thresholds.d_UV_thresh);
-  if (narrow_chroma) set_divisor(chroma, thresholds.d_UV_thresh);
+  // No saturation exceeds 256.
+  const int32_t scale =
+      std::min(std::max(thresholds.cs_lower_thresh, 256), thresholds.cs_upper_thresh);
+  narrow_chroma = is_narrow_total(thresholds.d_UV_thresh) && scale <= kMaxNarrowScale;
+  if (!narrow_chroma) return;
+  set_divisor(chroma, thresholds.d_UV_thresh);
+  scale_lower = static_cast<uint16_t>(std::clamp(thresholds.cs_lower_thresh, 0, kMaxNarrowScale));
+  scale_upper = static_cast<uint16_t>(std::clamp(thresholds.cs_upper_thresh, 0, kMaxNarrowScale));
 }
 
 void restore_luma_row(uint8_t* luma, const uint8_t* low, const uint8_t* high, size_t width,
                       const RestorePlan& plan) {
+  if (plan.stepped_luma) return restore_luma_row_stepped(luma, low, high, width, plan.steps);
   if (!plan.narrow_luma) return restore_luma_row_wide(luma, low, high, width, plan.tuning);
   for (size_t x = 0; x < width; x += kRestoreBlock) {
     restore_luma_block(luma + x, low + x, high + x, std::min(width - x, kRestoreBlock), plan);
@@ -137,7 +205,10 @@ void restore_chroma_row(uint8_t* pairs, const uint8_t* u, const uint8_t* v, size
                         const RestorePlan& plan) {
   if (!plan.narrow_chroma) return restore_chroma_row_wide(pairs, u, v, count, plan.tuning);
   constexpr size_t kBlock = kRestoreBlock / 2;
+  // The usual totals are at most 32.
+  const auto restore_block =
+      plan.chroma.total < 64 ? restore_chroma_block<6> : restore_chroma_block<8>;
   for (size_t k = 0; k < count; k += kBlock) {
-    restore_chroma_block(pairs + 2 * k, u + k, v + k, std::min(count - k, kBlock), plan);
+    restore_block(pairs + 2 * k, u + k, v + k, std::min(count - k, kBlock), plan);
   }
 }

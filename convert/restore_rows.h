@@ -9,14 +9,26 @@
 #include "convert/restore_rule.h"
 #include "vorel/tuning.h"
 
+// How far a luma sample moves, by what the rebuilt one exceeds it (`up`) or falls short of it
+// (`down`, to be added too). From kSteps on the input stays.
+struct LumaSteps {
+  static constexpr int32_t kSteps = 16;
+  uint8_t up[kSteps];
+  uint8_t down[kSteps];
+};
+
 // Thresholds made ready for a kernel call.
 struct RestorePlan {
   explicit RestorePlan(const interleaving_tuning& tuning);
 
   const interleaving_tuning& tuning;
+  bool stepped_luma;   // `steps` is set
   bool narrow_luma;    // `luma` and `luma_lower` are set
-  bool narrow_chroma;  // `chroma` is set
+  bool narrow_chroma;  // `chroma`, `scale_lower` and `scale_upper` are set
   uint8_t luma_lower;
+  uint16_t scale_lower;
+  uint16_t scale_upper;
+  LumaSteps steps;
   MeanDivisor luma;
   MeanDivisor chroma;
 };

@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "filters/bilateral_tile.h"
-#include "filters/byte_lanes.h"
 #include "filters/plane_tile.h"
 #include "filters/range_weights.h"
+#include "platform/byte_lanes.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdlib>
 
-#include "filters/byte_lanes.h"
+#include "platform/byte_lanes.h"
 #include "platform/numeric.h"
 #include "platform/vectorize.h"
 

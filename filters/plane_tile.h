@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "filters/byte_lanes.h"
 #include "filters/window_taps.h"
+#include "platform/byte_lanes.h"
 
 struct SourcePlane {
   const uint8_t* samples;  // rows of `width` bytes

@@ -28,6 +28,53 @@ TEST(RestoreRule, MultiplicationEqualsTheDivisionForEverySum) {
   }
 }
 
+// Every reachable pair of a distance and a bounded saturation.
+TEST(RestoreRule, NarrowChromaWeightEqualsTheIntegerDivision) {
+  for (int scale = 0; scale <= kMaxNarrowScale; ++scale) {
+    for (int distance = 0; distance <= 510; ++distance) {
+      const int quotient = scale == 0 ? 0 : (64 * distance + scale / 2) / scale;
+      const auto e = static_cast<uint16_t>(distance);
+      const auto s = static_cast<uint16_t>(scale);
+      for (int total = 1; total <= kMaxNarrowTotal; ++total) {
+        const int expected = std::min(quotient, total);
+        const auto t = static_cast<uint16_t>(total);
+        ASSERT_EQ(narrow_chroma_weight<8>(e, s, t), expected) << distance << ' ' << scale;
+        if (total > 63) continue;
+        ASSERT_EQ(narrow_chroma_weight<6>(e, s, t), expected) << distance << ' ' << scale;
+      }
+    }
+  }
+}
+
+// Every pair of a sample and a rebuilt one, for every threshold that takes the steps.
+TEST(RestoreRule, LumaStepsEqualTheMean) {
+  for (int upper = 1; upper <= LumaSteps::kSteps; ++upper) {
+    for (int lower = 0; lower <= upper; ++lower) {
+      interleaving_tuning tuning{};
+      tuning.d_Y_upper_thresh = upper;
+      tuning.d_Y_lower_thresh = lower;
+      const RestorePlan plan(tuning);
+      ASSERT_TRUE(plan.stepped_luma);
+      uint8_t low[256];
+      uint8_t high[256];
+      for (int i = 0; i < 256; ++i) {
+        low[i] = static_cast<uint8_t>(i);
+        high[i] = 128;
+      }
+      for (int sample = 0; sample < 256; ++sample) {
+        uint8_t luma[256];
+        std::fill_n(luma, 256, static_cast<uint8_t>(sample));
+        restore_luma_row(luma, low, high, 256, plan);
+        for (int i = 0; i < 256; ++i) {
+          ASSERT_EQ(luma[i],
+                    restore_luma_wide(static_cast<uint8_t>(sample), low[i], 128, upper, lower))
+              << sample << ' ' << i << ' ' << upper << ' ' << lower;
+        }
+      }
+    }
+  }
+}
+
 TEST(RestoreRule, ChromaWeightEqualsTheIntegerDivision) {
   for (int scale = 0; scale < 140000; scale += scale < 600 ? 1 : scale < 65000 ? 97 : 3) {
     for (int distance = 0; distance <= 510; ++distance) {

@@ -36,18 +36,11 @@ inline constexpr Kernel kKernels[] = {
     {.name = "upsample_uv420", FORMS(upsample_uv420), .largest_width = 261, .frame_shift = 4},
     {.name = "upsample_uv422", FORMS(upsample_uv422), .largest_width = 261, .frame_shift = 4},
     {.name = "restore_yuv420", FORMS(restore_planar), .variants = 18, .strip_step = 2, .width_step = 16, .also = {"wide_totals", 1},
-     .arm_loops = "restore, luma | luma | "
-                  "convert/restore_rows.cpp : restore_luma_row( : uabd bif -cmp : 2 | "
-                  "convert/restore_rows.cpp : restore_luma_row( : umlal2 : 2 | "
-                  "convert/restore_rows.cpp : restore_luma_row( : umull2 uzp2 : 2 | "
-                  "convert/restore_rows.cpp : restore_luma_row( : shrn2 : 1 || "
+     .arm_loops = "restore, luma | luma | convert/restore_rows.cpp : restore_luma_row( : uqsub tbl : 1 || "
                   "restore, chroma | luma / 2 | "
-                  "convert/restore_rows.cpp : restore_chroma_row( : orr shll2 -fdiv : 1 | "
-                  "convert/restore_rows.cpp : restore_chroma_row( : uabd -fdiv : 2 | "
-                  "convert/restore_rows.cpp : restore_chroma_row( : fdiv fcmgt -mla : 1 | "
-                  "convert/restore_rows.cpp : restore_chroma_row( : umlal2 : 2 | "
-                  "convert/restore_rows.cpp : restore_chroma_row( : umull2 uzp2 : 2 | "
-                  "convert/restore_rows.cpp : restore_chroma_row( : shrn2 : 1"},
+                  "convert/restore_rows.cpp : restore_chroma_block<6> : cmhi : 2 | "
+                  "convert/restore_rows.cpp : restore_chroma_block<6> : umull2 uzp2 : 2 | "
+                  "convert/restore_rows.cpp : restore_chroma_block<6> : ushr -cmhi : 1"},
     {.name = "restore_yuv420_apart", FORMS(restore_planar_apart), .variants = 18, .strip_step = 2, .width_step = 16},
     {.name = "restore_yuv420_mfd_uv", FORMS(restore_planar_half), .variants = 18, .strip_step = 2, .width_step = 16},
     {.name = "restore_uv420", FORMS(restore_planar_chroma), .variants = 18, .strip_step = 2, .width_step = 16},

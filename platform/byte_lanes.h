@@ -1,7 +1,7 @@
 // Vectors of 32 bytes, and the same samples in wider lanes. Vector types and not plain loops,
 // because no loop becomes the table look-up instruction that both machines have.
-#ifndef VOREL_FILTERS_BYTE_LANES_H_
-#define VOREL_FILTERS_BYTE_LANES_H_
+#ifndef VOREL_PLATFORM_BYTE_LANES_H_
+#define VOREL_PLATFORM_BYTE_LANES_H_
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -21,6 +21,10 @@ inline ByteLanes load_lanes(const uint8_t* src) {
   ByteLanes lanes;
   __builtin_memcpy(&lanes, src, sizeof lanes);
   return lanes;
+}
+
+inline void store_lanes(const ByteLanes& lanes, uint8_t* dst) {
+  __builtin_memcpy(dst, &lanes, sizeof lanes);
 }
 
 inline ByteLanes absolute_difference(ByteLanes a, ByteLanes b) {
@@ -61,4 +65,4 @@ inline ByteLanes look_up(ByteTable table, ByteLanes index) {
 
 #endif
 
-#endif  // VOREL_FILTERS_BYTE_LANES_H_
+#endif  // VOREL_PLATFORM_BYTE_LANES_H_
