@@ -63,7 +63,7 @@ const char kMainFooter[] =
     "\n"
     "Try it:\n"
     "  vorel noise meadow.jpg -o noisy.png --gain 16\n"
-    "  vorel denoise noisy.png -o clean.png --noise-index 1600\n"
+    "  vorel denoise noisy.png -o clean.png\n"
     "  vorel compare noisy.png clean.png --truth meadow.jpg -o side.png\n"
     "\n"
     "Exit status: 0 done, 1 bad usage, 2 bad input, 3 processing or writing failed.\n"

@@ -52,10 +52,10 @@ class DenoiseRun {
   DenoiseRun(const DenoiseOptions& options, const LibraryCalls& calls)
       : options_(options),
         calls_(calls),
-        noise_index_(options.noise_index.value_or(kDefaultNoiseIndex)),
         log_(options.log),
         input_(PictureInput::open(options.input, options.read)),
-        tuning_(choose_tuning(options.tuning)) {
+        tuning_(choose_tuning(options.tuning)),
+        noise_index_(options.noise_index, options.input, calibration_for(tuning_.text)) {
     if (options_.truth) truth_ = read_picture(*options_.truth, options_.read);
     output_ = PictureOutput::open(options_.output, options_.quality);
     if (options_.compare) compare_ = PictureOutput::open(*options_.compare, options_.quality);
@@ -83,7 +83,8 @@ class DenoiseRun {
     if (!engine_) start({before.width, before.height});
 
     Nv21Frame after = before;
-    const vorel_frame_info report = engine_->process(after, options_.separate_planes, noise_index_);
+    const int noise_index = noise_index_.next(picture, before);
+    const vorel_frame_info report = engine_->process(after, options_.separate_planes, noise_index);
     const bool skipped = report.status == VOREL_BELOW_GATE;
 
     ++summary_.frames;
@@ -91,6 +92,7 @@ class DenoiseRun {
     summary_.change.add(before, after);
     if (skipped) {
       ++summary_.skipped_frames;
+      summary_.noise_index = noise_index;
       summary_.enable_noise_index = report.enable_noise_index;
     }
     if (summary_.frames == 1 && (compare_ || truth_)) compare(picture, before, after);
@@ -144,8 +146,7 @@ class DenoiseRun {
     }
     summary_.sensor = std::to_string(options_.tuning.sensor) +
                       (tuning_.model.empty() ? "" : " (" + tuning_.model + ")");
-    summary_.noise_index = noise_index_;
-    summary_.default_noise_index = !options_.noise_index.has_value();
+    summary_.noise_index_text = noise_index_.text();
     summary_.compare = options_.compare.value_or("");
     summary_.truth = options_.truth.value_or("");
     summary_.dumps = engine_->info().dump_path;
@@ -153,10 +154,10 @@ class DenoiseRun {
 
   const DenoiseOptions& options_;
   LibraryCalls calls_;
-  int noise_index_;
   LibraryLog log_;
   std::unique_ptr<PictureInput> input_;
   TuningChoice tuning_;
+  NoiseIndexChoice noise_index_;
   std::optional<Picture> truth_;
   std::unique_ptr<PictureOutput> output_;
   std::unique_ptr<PictureOutput> compare_;

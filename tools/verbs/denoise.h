@@ -9,15 +9,14 @@
 #include "tools/library/library_log.h"
 #include "tools/library/tuning_choice.h"
 #include "tools/pictures/picture_io.h"
+#include "tools/verbs/noise_index_choice.h"
 
 namespace tool {
-
-inline constexpr int kDefaultNoiseIndex = 1600;
 
 struct DenoiseOptions {
   std::string input;
   std::string output;
-  std::optional<int> noise_index;
+  NoiseIndexRequest noise_index;
   TuningRequest tuning;
   ReadOptions read;
   bool separate_planes = false;        // NM21

@@ -54,10 +54,7 @@ std::string summary_text(const DenoiseSummary& summary) {
   text += line("tuning",
                summary.tuning + (summary.tuning_date.empty() ? "" : ", " + summary.tuning_date));
   text += line("sensor", summary.sensor);
-  text += line("noise index", std::to_string(summary.noise_index) +
-                                  (summary.default_noise_index
-                                       ? " (the default; give the frame's own with --noise-index)"
-                                       : ""));
+  text += line("noise index", summary.noise_index_text);
   text += line("size", size_text(summary.size));
   text += time_line(summary);
   text += change_line(summary);

@@ -17,11 +17,11 @@ struct DenoiseSummary {
   std::string tuning;       // where it came from
   std::string tuning_date;  // empty when not known
   std::string sensor;
-  int noise_index = 0;
-  bool default_noise_index = false;
+  std::string noise_index_text;
   Size size{};
   int frames = 0;
   int skipped_frames = 0;
+  int noise_index = 0;         // of the last skipped frame
   int enable_noise_index = 0;  // of the tuning, when frames were skipped
   double milliseconds = 0.0;   // of all frames
   ChangeCount change;

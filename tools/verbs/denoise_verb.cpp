@@ -14,7 +14,7 @@ constexpr char kFooter[] =
     "Frames below the tuning's enableNoiseIndex are left as they are, as on the phone.\n"
     "\n"
     "Examples:\n"
-    "  vorel denoise noisy.png -o clean.png --noise-index 3200\n"
+    "  vorel denoise noisy.png -o clean.png\n"
     "  vorel denoise dump_4000_3000.nv21 -o out.png --tuning vorel_WT1200.json --sensor 120\n"
     "  vorel denoise clip.y4m -o clean.y4m --noise-index 800 --no-spatial\n"
     "  vorel denoise noisy.png -o clean.png --compare side.png --truth clean_original.png";
@@ -30,18 +30,8 @@ Verb add_denoise_verb(CLI::App& app) {
   CLI::App& verb = add_verb(app, "denoise", "Remove colour noise from a picture or video", kFooter);
   verb.add_option("INPUT", options->input, "picture or video")->required()->option_text(" ");
   add_output(verb, options->output);
-  verb.add_option("-n,--noise-index", options->noise_index,
-                  "noise level of the frame, commonly its ISO sensitivity (1600 is the default)")
-      ->option_text("N")
-      ->check(whole_number(0, kMaxInt));
-  verb.add_option("--sensor", options->tuning.sensor, "id of the sensor (0 is the default)")
-      ->option_text("ID")
-      ->check(whole_number(0, kMaxInt));
-  verb.add_option("--tuning", options->tuning.name,
-                  "tuning file of any name; or a folder with vorel_<model>.json files; or none for "
-                  "the library's built-in values. Default: the folder VOREL_FIRMWARE_DIR, else a "
-                  "sample tuning in this program")
-      ->option_text("FILE|DIR|none");
+  add_noise_index(verb, options->noise_index);
+  add_tuning(verb, options->tuning);
   verb.add_flag("--no-spatial", options->tuning.no_spatial, "switch the spatial path off");
   verb.add_flag("--no-wavelet", options->tuning.no_wavelet, "switch the wavelet path off");
   verb.add_option("--compare", options->compare, "also write before, after and truth side by side")

@@ -13,6 +13,7 @@
 #include "tools/measure/patch_noise.h"
 #include "tools/pictures/colour.h"
 #include "tools/pictures/exif_iso.h"
+#include "tools/verbs/noise_index_choice.h"
 
 namespace tool {
 namespace {
@@ -140,7 +141,7 @@ json_t* picture_json(const std::string& path, const Measured& measured) {
 }  // namespace
 
 void run_measure(const MeasureOptions& options) {
-  const NoiseCalibration calibration = sample_calibration();
+  const NoiseCalibration calibration = calibration_for(choose_tuning(options.tuning).text);
   json_t* pictures = json_array();
   for (const std::string& path : options.inputs) {
     const Measured measured = measure(path, options, calibration);

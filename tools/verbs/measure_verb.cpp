@@ -30,6 +30,7 @@ Verb add_measure_verb(CLI::App& app) {
       ->option_text("X,Y,WIDTH,HEIGHT")
       ->check(crop_rectangle());
   verb.add_flag("--json", options->json, "print the figures for programs");
+  add_tuning(verb, options->tuning);
   add_read_options(verb, options->read);
   return {&verb, [options] {
             run_measure(*options);

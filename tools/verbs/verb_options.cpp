@@ -65,6 +65,43 @@ CLI::App& add_verb(CLI::App& app, const char* name, const char* description, con
   return verb;
 }
 
+void add_noise_index(CLI::App& verb, NoiseIndexRequest& request) {
+  using Source = NoiseIndexRequest::Source;
+  const CLI::Validator number = whole_number(0, kMaxInt);
+  verb.add_option_function<std::string>(
+          "-n,--noise-index",
+          [&request](const std::string& text) {
+            request.source = text == "auto"   ? Source::kEstimate
+                             : text == "exif" ? Source::kExif
+                                              : Source::kNumber;
+            if (request.source == Source::kNumber) {
+              request.number = static_cast<int>(parse_whole(text).value_or(0));
+            }
+          },
+          "how noisy the frame is: a number on the tuning's scale; exif for the ISO sensitivity "
+          "that "
+          "the picture names; auto to estimate it from the frame (the default)")
+      ->option_text("N|auto|exif")
+      ->check(CLI::Validator(
+          [number](std::string& text) {
+            if (text == "auto" || text == "exif") return std::string();
+            const std::string trouble = number(text);
+            return trouble.empty() ? trouble : trouble + ", nor auto or exif";
+          },
+          ""));
+}
+
+void add_tuning(CLI::App& verb, TuningRequest& request) {
+  verb.add_option("--sensor", request.sensor, "id of the sensor (0 is the default)")
+      ->option_text("ID")
+      ->check(whole_number(0, kMaxInt));
+  verb.add_option("--tuning", request.name,
+                  "tuning file of any name; or a folder with vorel_<model>.json files; or none for "
+                  "the library's built-in values. Default: the folder VOREL_FIRMWARE_DIR, else a "
+                  "sample tuning in this program")
+      ->option_text("FILE|DIR|none");
+}
+
 void add_output(CLI::App& verb, std::string& output) {
   verb.add_option("-o,--output", output, "file to write")->required()->option_text("OUTPUT");
 }

@@ -7,8 +7,10 @@
 #include <limits>
 #include <string>
 
+#include "tools/library/tuning_choice.h"
 #include "tools/pictures/picture_io.h"
 #include "tools/pictures/side_by_side.h"
+#include "tools/verbs/noise_index_choice.h"
 
 namespace tool {
 
@@ -25,6 +27,12 @@ inline constexpr uint64_t kMaxInt = std::numeric_limits<int>::max();
 
 // Adds a verb; `footer` ends its help and must outlive the app.
 CLI::App& add_verb(CLI::App& app, const char* name, const char* description, const char* footer);
+
+// Adds -n, --noise-index: a number, auto or exif. `request` must live as long as the app.
+void add_noise_index(CLI::App& verb, NoiseIndexRequest& request);
+
+// Adds --sensor and --tuning. `request` must live as long as the app.
+void add_tuning(CLI::App& verb, TuningRequest& request);
 
 // Options that several verbs have.
 void add_output(CLI::App& verb, std::string& output);

@@ -7,6 +7,7 @@
 #include "tests/tools/test_pictures.h"
 #include "tools/files/failure.h"
 #include "tools/pictures/colour.h"
+#include "tools/pictures/noise_model.h"
 #include "tools/verbs/denoise_summary.h"
 
 namespace {
@@ -17,6 +18,7 @@ using tool::DenoiseOptions;
 using tool::LibraryCalls;
 using tool::Nv21Frame;
 using tool::Size;
+using Source = tool::NoiseIndexRequest::Source;
 
 // A library that does what a test says and notes how it is called.
 struct FakeLibrary {
@@ -91,7 +93,7 @@ TEST_F(Denoise, FrameGoesInAndComesOutInPlaceForBothFormats) {
   const Nv21Frame original = patterned_frame(32, 6);
   options.input = directory / "in_32x6.nv21";
   options.output = directory / "out_32x6.nv21";
-  options.noise_index = 700;
+  options.noise_index = {Source::kNumber, 700};
   save(options.input, original);
   for (const bool separate : {false, true}) {
     options.separate_planes = separate;
@@ -213,6 +215,47 @@ TEST_F(Denoise, TuningFileReachesTheLibraryAsItIs) {
   EXPECT_EQ(fake.tuning, text);
 }
 
+TEST_F(Denoise, NoiseIndexComesFromWhereItIsSaidToCome) {
+  // A little-endian TIFF structure whose Exif directory says ISO 6400.
+  const std::vector<uint8_t> iso{'I', 'I', 42, 0,  8, 0, 0, 0,  1, 0, 0x69, 0x87, 4, 0,    1,
+                                 0,   0,   0,  26, 0, 0, 0, 0,  0, 0, 0,    1,    0, 0x27, 0x88,
+                                 3,   0,   1,  0,  0, 0, 0, 25, 0, 0, 0,    0,    0, 0};
+  options.input = directory / "in.jpg";
+  options.output = directory / "out.jpg";
+  const tool::RgbImage clean = gradient_picture(320, 256);
+  const auto index = [&](tool::NoiseIndexRequest request, const std::vector<uint8_t>& exif,
+                         int gain) {
+    const auto output = tool::PictureOutput::open(options.input);
+    output->write({tool::add_camera_noise(clean, {gain, 1, 0}), {exif, {}, {}}});
+    output->finish();
+    options.noise_index = request;
+    return run() == tool::kDone ? fake.noise_index : -1;
+  };
+  EXPECT_EQ(index({Source::kNumber, 700}, iso, 16), 700);
+  EXPECT_EQ(index({Source::kExif, 0}, iso, 16), 6400);
+  EXPECT_EQ(index({Source::kExif, 0}, {}, 16), -1);
+  EXPECT_THAT(message, HasSubstr("in.jpg: has no ISO sensitivity"));
+  const int estimated = index({}, iso, 16);
+  EXPECT_GT(estimated, 800);
+  EXPECT_LT(estimated, 3200);
+  EXPECT_LT(index({}, iso, 4), estimated);
+  // The tuning's own calibration counts.
+  options.tuning.name = directory / "t.json";
+  write_text(*options.tuning.name, R"([{"CNRTuningSetfile": {"Date": "d"},
+    "noiseIndex_values": [7, 8], "chromaNoise_values": [0.01, 0.02]}])");
+  EXPECT_EQ(index({}, iso, 16), 8);
+}
+
+TEST(NoiseIndexChoice, SaysWhereTheNumberComesFrom) {
+  const Nv21Frame small = patterned_frame(16, 4);
+  tool::NoiseIndexChoice choice({}, "a.y4m", tool::sample_calibration());
+  EXPECT_EQ(choice.next({small, {}}, small), 0);
+  EXPECT_THAT(choice.text(), HasSubstr("0 (too little"));
+  tool::NoiseIndexChoice number({Source::kNumber, 300}, "a.y4m", tool::sample_calibration());
+  EXPECT_EQ(number.next({small, {}}, small), 300);
+  EXPECT_EQ(number.text(), "300");
+}
+
 TEST(DenoiseSummaryText, SaysWhatHappened) {
   tool::DenoiseSummary summary;
   summary.input = "a.png";
@@ -220,8 +263,7 @@ TEST(DenoiseSummaryText, SaysWhatHappened) {
   summary.tuning = "my.json";
   summary.tuning_date = "dated 2026-01-02";
   summary.sensor = "0 (NOTHING)";
-  summary.noise_index = 1600;
-  summary.default_noise_index = true;
+  summary.noise_index_text = "1600 (estimated)";
   summary.size = {17, 5};
   summary.frames = 2;
   summary.milliseconds = 25;
@@ -232,7 +274,7 @@ TEST(DenoiseSummaryText, SaysWhatHappened) {
   const std::string text = tool::summary_text(summary);
   EXPECT_THAT(text, HasSubstr("a.png -> b.png\n"));
   EXPECT_THAT(text, HasSubstr("my.json, dated 2026-01-02"));
-  EXPECT_THAT(text, HasSubstr("1600 (the default; give the frame's own with --noise-index)"));
+  EXPECT_THAT(text, HasSubstr("noise index  1600 (estimated)\n"));
   EXPECT_THAT(text, HasSubstr("size         17 x 5\n"));
   EXPECT_THAT(text, HasSubstr("12.5 ms per frame, 2 frames"));
   EXPECT_THAT(text, HasSubstr("chroma 3.1 % of samples, mean change 1.00; luma unchanged"));

@@ -1,0 +1,59 @@
+#include "tools/verbs/noise_index_choice.h"
+
+#include <algorithm>
+
+#include "tools/files/failure.h"
+#include "tools/measure/frame_view.h"
+#include "tools/pictures/exif_iso.h"
+
+namespace tool {
+
+NoiseCalibration calibration_for(const std::string& tuning_text) {
+  return calibration_of(tuning_text).value_or(sample_calibration());
+}
+
+int NoiseIndexChoice::next(const Picture& picture, const Nv21Frame& frame) {
+  if (frames_ == 0) iso_ = exif_iso(picture.metadata.exif);
+  const int index = choose(frame);
+  least_ = frames_ == 0 ? index : std::min(least_, index);
+  most_ = frames_ == 0 ? index : std::max(most_, index);
+  ++frames_;
+  return index;
+}
+
+int NoiseIndexChoice::choose(const Nv21Frame& frame) {
+  switch (request_.source) {
+    case NoiseIndexRequest::Source::kNumber:
+      return request_.number;
+    case NoiseIndexRequest::Source::kExif:
+      if (iso_) return *iso_;
+      throw input_error(path_,
+                        "has no ISO sensitivity in its Exif data; give --noise-index a number "
+                        "or auto");
+    case NoiseIndexRequest::Source::kEstimate:
+      break;
+  }
+  const std::optional<int> index = tracker_.next(view_of(frame));
+  estimated_ = estimated_ || index;
+  return index.value_or(0);
+}
+
+std::string NoiseIndexChoice::text() const {
+  std::string text = std::to_string(least_);
+  if (most_ != least_) text += " to " + std::to_string(most_);
+  switch (request_.source) {
+    case NoiseIndexRequest::Source::kNumber:
+      return text;
+    case NoiseIndexRequest::Source::kExif:
+      return text + " (Exif's ISO sensitivity)";
+    case NoiseIndexRequest::Source::kEstimate:
+      break;
+  }
+  text += !estimated_   ? " (too little to estimate it from; give --noise-index a number"
+          : frames_ > 1 ? " (estimated for each frame"
+                        : " (estimated";
+  if (iso_) text += "; Exif says ISO " + std::to_string(*iso_);
+  return text + ")";
+}
+
+}  // namespace tool

@@ -1,0 +1,50 @@
+// Where the noise index of a file's frames comes from.
+#ifndef VOREL_TOOLS_VERBS_NOISE_INDEX_CHOICE_H_
+#define VOREL_TOOLS_VERBS_NOISE_INDEX_CHOICE_H_
+
+#include <optional>
+#include <string>
+
+#include "tools/measure/noise_index.h"
+#include "tools/pictures/picture.h"
+
+namespace tool {
+
+struct NoiseIndexRequest {
+  enum class Source { kEstimate, kExif, kNumber };
+  Source source = Source::kEstimate;
+  int number = 0;
+};
+
+// The calibration of a tuning's text, or the sample's.
+[[nodiscard]] NoiseCalibration calibration_for(const std::string& tuning_text);
+
+// For one file: a picture or the frames of a video, in order.
+class NoiseIndexChoice {
+ public:
+  NoiseIndexChoice(const NoiseIndexRequest& request, std::string path, NoiseCalibration calibration)
+      : request_(request), path_(std::move(path)), tracker_(std::move(calibration)) {}
+
+  // `frame` holds the picture's pixels. Frames that nothing can be told about get 0. Throws an
+  // input error when Exif's number is asked for and missing.
+  int next(const Picture& picture, const Nv21Frame& frame);
+
+  // For the user: the index, or least and largest, and where it comes from.
+  [[nodiscard]] std::string text() const;
+
+ private:
+  int choose(const Nv21Frame& frame);
+
+  NoiseIndexRequest request_;
+  std::string path_;
+  NoiseIndexTracker tracker_;
+  std::optional<int> iso_;  // of the first picture
+  int frames_ = 0;
+  int least_ = 0;
+  int most_ = 0;
+  bool estimated_ = false;
+};
+
+}  // namespace tool
+
+#endif  // VOREL_TOOLS_VERBS_NOISE_INDEX_CHOICE_H_
