@@ -4,6 +4,7 @@
 #   scripts/setup.sh GROUP...
 #     build   make demo, make test, make bench
 #     check   the other checks on this machine (format, sanitizers, fuzzing, ABI, Android)
+#     measure what scripts/noise_index_table.py needs
 #     arm     building for 64-bit Arm and running it in emulation
 set -euo pipefail
 
@@ -17,6 +18,8 @@ check_packages=(
   clang-format-19 libclang-rt-19-dev abigail-tools binutils python3-minimal
   soong android-libcutils-dev qemu-user)
 
+measure_packages=(python3-numpy python3-pil)
+
 # Libraries that exist for both machines at once must have one version, so both are named: apt then
 # brings an older twin up to date.
 arm_twins=(
@@ -25,7 +28,7 @@ arm_twins=(
   libyuv-dev libpng-dev libjpeg-dev libexif-dev libgtest-dev libgmock-dev libbenchmark-dev)
 
 usage() {
-  sed -n '2,7s/^# \{0,1\}//p' "$0"
+  sed -n '2,8s/^# \{0,1\}//p' "$0"
   exit "${1:-0}"
 }
 
@@ -58,6 +61,7 @@ for group in "$@"; do
   case $group in
     build) wanted+=("${build_packages[@]}") ;;
     check) wanted+=("${check_packages[@]}") ;;
+    measure) wanted+=("${measure_packages[@]}") ;;
     arm)
       arm=true
       wanted+=(qemu-user)

@@ -1,0 +1,307 @@
+#!/usr/bin/env python3
+"""How good the noise index is that `vorel` estimates, on pictures whose clean form is known.
+
+Makes each clean picture noisy at several gains with `vorel noise`, alters it as cameras do, denoises
+it at many noise indices, and holds what `vorel measure` suggests against the best of them. Every
+picture serves twice: scaled to 960 pixels, and as a part of its full size. Drawn charts are added.
+Prints Markdown tables of the chroma PSNR (mean of U and V, dB) with nothing done, with the estimated
+index and with the best single one. With --fit it also prints the chromaNoise_values that suit the
+tuning best, and how good they are on pictures that were held out. Needs python3-numpy and python3-pil
+(scripts/setup.sh measure).
+
+    scripts/noise_index_table.py BUILD_DIR PICTURE... [--tuning FILE] [--gains 1 4 16 64] [--fit]
+"""
+import argparse
+import ctypes
+import io
+import json
+import multiprocessing
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+
+import numpy as np
+from PIL import Image, ImageDraw
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+INDICES = [round(100 * 2 ** (i / 2)) for i in range(15)]
+NV21 = 0x3132564E
+LEAST_ERROR = 0.05  # of squared steps: pictures that did not change have a PSNR too
+FOLDS = 6
+
+# The quantisation of chroma in JPEG files of quality 50.
+JPEG_CHROMA = [17, 18, 24, 47, 99, 99, 99, 99, 18, 21, 26, 66, 99, 99, 99, 99, 24, 26, 56] + [99] * 5 \
+    + [47, 66] + [99] * 38
+
+
+# --- Pictures ---
+
+def even(image, width, height):
+    """The middle, of a size that the library takes without padding."""
+    width, height = min(width, image.width) // 32 * 32, min(height, image.height) // 32 * 32
+    x, y = (image.width - width) // 2, (image.height - height) // 2
+    return image.crop((x, y, x + width, y + height))
+
+
+def clean_pictures(paths):
+    pictures = {}
+    for path in paths:
+        image, name = Image.open(path).convert("RGB"), pathlib.Path(path).stem
+        scale = min(1, 960 / image.width)
+        small = image.resize((round(image.width * scale), round(image.height * scale)), Image.LANCZOS)
+        pictures[name, "scaled"] = even(small, 960, 768)
+        if image.width > 2000:
+            pictures[name, "full size"] = even(image, 768, 768)
+    return pictures
+
+
+def drawn_pictures():
+    y, x = np.mgrid[:512, :768]
+    chart = Image.new("RGB", (768, 512), (128, 128, 128))
+    draw = ImageDraw.Draw(chart)
+    for i in range(24):
+        left, top = i % 6 * 128, i // 6 * 128
+        fill = (i * 97 % 216 + 20, i * 57 % 216 + 20, i * 31 % 216 + 20) if i < 18 else 3 * (50 * (i - 18),)
+        draw.rectangle([left + 10, top + 10, left + 117, top + 117], fill=fill)
+    night = Image.new("RGB", (768, 512))
+    draw = ImageDraw.Draw(night)
+    draw.rectangle([0, 0, 300, 200], fill=(255, 255, 255))
+    draw.rectangle([300, 200, 767, 511], fill=(30, 25, 22))
+    draw.rectangle([600, 50, 700, 250], fill=(120, 125, 130))
+    sky = np.stack([60 + y / 6, 110 + y / 7 + x / 40, 200 - y / 25], -1)
+    cloth = np.stack([130 + 50 * np.sin(x * .9) * np.sin(y * .7), 110 + 40 * np.sin(x * .5 + y * .6),
+                      120 + 45 * np.cos(x * .35 - y * .8)], -1)
+    cloth[:, 512:] = sky[:, 512:]
+    images = {"chart": chart, "night": night, "sky": sky, "cloth": cloth}
+    return {(name, "drawn"): image if isinstance(image, Image.Image) else
+            Image.fromarray(image.astype("uint8")) for name, image in images.items()}
+
+
+def to_yuv(image):
+    r, g, b = np.moveaxis(np.asarray(image, float), -1, 0)
+    luma = .299 * r + .587 * g + .114 * b
+
+    def quarter(plane):
+        return (plane[::2, ::2] + plane[1::2, ::2] + plane[::2, 1::2] + plane[1::2, 1::2]) / 4
+    planes = luma, 128 + quarter(b - luma) * .564, 128 + quarter(r - luma) * .713
+    return [np.clip(np.rint(plane), 0, 255).astype(np.uint8) for plane in planes]
+
+
+# --- What cameras do ---
+
+def as_jpeg(plane, quality):
+    scale = 5000 // quality if quality < 50 else 200 - 2 * quality
+    table = [min(255, max(1, (value * scale + 50) // 100)) for value in JPEG_CHROMA]
+    file = io.BytesIO()
+    Image.fromarray(plane).save(file, "JPEG", qtables=[table])
+    return np.asarray(Image.open(file).convert("L"))
+
+
+def blurred(plane, sigma):
+    reach = int(np.ceil(3 * sigma))
+    kernel = np.exp(-np.arange(-reach, reach + 1) ** 2 / (2 * sigma * sigma))
+    kernel /= kernel.sum()
+    padded = np.pad(plane.astype(float), reach, "reflect")
+    for axis in (0, 1):
+        padded = np.apply_along_axis(np.convolve, axis, padded, kernel, "valid")
+    return np.clip(np.rint(padded), 0, 255).astype(np.uint8)
+
+
+def chroma(change):
+    return lambda planes: [planes[0], change(planes[1]), change(planes[2])]
+
+
+# name -> what happens to the noisy picture, and what to the clean one: a filter is no fault of the
+# library's.
+def soft(sigma):
+    return chroma(lambda p: as_jpeg(blurred(p, sigma), 92)), chroma(lambda p: blurred(p, sigma))
+
+
+AS_IS = chroma(lambda p: p)
+KINDS = {"as made": (AS_IS, AS_IS),
+         "JPEG 90": (chroma(lambda p: as_jpeg(p, 90)), AS_IS),
+         "JPEG 75": (chroma(lambda p: as_jpeg(p, 75)), AS_IS),
+         "filtered, JPEG 92": soft(1.0),
+         "strongly filtered, JPEG 92": soft(2.0)}
+
+
+# --- The library and the command ---
+
+class Library:
+    def __init__(self, build, tuning, directory):
+        shutil.copy(tuning, directory / "vorel_NOTHING.json")
+        os.environ["VOREL_FIRMWARE_DIR"] = str(directory)
+        self.library = ctypes.CDLL(str(build / "libvorel.so"))
+        self.library.vorel_init.restype = ctypes.c_void_p
+        self.library.vorel_run.argtypes = [ctypes.c_void_p] * 3 + [ctypes.c_int] * 4
+        for call in (self.library.vorel_release_frame_buffers, self.library.vorel_deinit):
+            call.argtypes = [ctypes.c_void_p]
+
+    def errors(self, planes, truth):
+        """Mean squared errors of U and V: untouched, then for each index."""
+        luma, u, v = planes
+        height, width = luma.shape
+        frame = np.concatenate([luma.ravel(), np.stack([v, u], -1).ravel()])
+        handle = self.library.vorel_init(width, height, 0, 0)
+        result = []
+        for index in [None] + INDICES:
+            out = frame.copy()
+            if index is not None:
+                start = out.ctypes.data
+                self.library.vorel_run(handle, start, start + width * height, width, height, NV21, index)
+                self.library.vorel_release_frame_buffers(handle)
+            vu = out[width * height:].reshape(height // 2, width // 2, 2).astype(float)
+            result.append([((vu[..., 1 - i] - truth[1 + i]) ** 2).mean() for i in (0, 1)])
+        self.library.vorel_deinit(handle)
+        return result
+
+
+def measure_picture(job):
+    (name, form), image, build, tuning, gains = job
+    os.dup2(os.open(os.devnull, os.O_WRONLY), 2)  # the library's log
+    vorel, rows = build / "tools/vorel", []
+    with tempfile.TemporaryDirectory() as temporary:
+        directory = pathlib.Path(temporary)
+        library = Library(build, tuning, directory)
+        image.save(directory / "clean.png")
+        for gain in [0] + gains:
+            noisy = image
+            if gain:
+                subprocess.run([vorel, "noise", directory / "clean.png", "-o", directory / "noisy.png",
+                                "--gain", str(gain), "--force"], check=True, stdout=subprocess.DEVNULL)
+                noisy = Image.open(directory / "noisy.png").convert("RGB")
+            forms = [(kind, a(to_yuv(noisy)), b(to_yuv(image))) for kind, (a, b) in KINDS.items()
+                     if gain or kind in ("as made", "JPEG 90")]
+            half = image.width // 2 // 16 * 16, image.height // 2 // 16 * 16
+            if gain and min(half) >= 192:
+                forms.append(("half size",) + tuple(to_yuv(i.resize(half, Image.BOX)) for i in (noisy, image)))
+            for kind, planes, truth in forms:
+                height, width = planes[0].shape
+                raw = directory / f"f_{width}x{height}.nv21"
+                np.concatenate([planes[0].ravel(), np.stack(planes[:0:-1], -1).ravel()]).tofile(raw)
+                found = json.loads(subprocess.run(
+                    [vorel, "measure", raw, "--json", "--tuning", tuning], check=True,
+                    capture_output=True).stdout)["pictures"][0]
+                errors = library.errors(planes, [plane.astype(float) for plane in truth])
+                rows.append({"name": name, "form": form, "kind": kind, "gain": gain,
+                             "estimate": found["estimate"], "index": found["noise_index"] or 0,
+                             "errors": errors})
+    return rows
+
+
+# --- Figures ---
+
+class Results:
+    def __init__(self, rows):
+        self.rows = rows
+        errors = np.maximum([row["errors"] for row in rows], LEAST_ERROR)
+        self.psnr = 10 * np.log10(255 ** 2 / errors).mean(2)
+        self.best = self.psnr.max(1)
+        self.clean = np.array([row["gain"] == 0 for row in rows])
+        self.drawn = np.array([row["form"] == "drawn" for row in rows])
+        self.estimate = np.array([row["estimate"] or 1e-3 for row in rows])
+
+    def at(self, octaves):
+        """With the index 100 * 2 ^ octaves; below 0 nothing is done."""
+        place = np.clip(2 * octaves, 0, len(INDICES) - 1)
+        below = np.minimum(place.astype(int), len(INDICES) - 2)
+        rows, share = np.arange(len(self.rows)), place - below
+        done = self.psnr[rows, 1 + below] * (1 - share) + self.psnr[rows, 2 + below] * share
+        return np.where(octaves < 0, self.psnr[:, 0], done)
+
+    def estimated(self):
+        return self.at(np.log2(np.maximum([row["index"] for row in self.rows], 1) / 100))
+
+    def line(self, label, which, auto):
+        gap, harm = (self.best - auto)[which], (self.psnr[:, 0] - auto)[which]
+        print(f"| {label} | {which.sum()} | {self.psnr[which, 0].mean():.1f} | {auto[which].mean():.1f} | "
+              f"{self.best[which].mean():.1f} | {gap.mean():.2f} | {gap.max():.1f} | "
+              f"{(harm > .1).sum()} | {max(harm.max(), 0):.1f} |")
+
+    def tables(self):
+        auto = self.estimated()
+        kinds = list(KINDS) + ["half size"]
+        print("| noise, gain | pictures | nothing | auto | best | short of best: mean | worst | "
+              "below nothing by 0.1 | worst |\n|---" + 8 * "|---:" + "|")
+        for kind in kinds:
+            for gain in sorted({row["gain"] for row in self.rows} - {0}):
+                which = np.array([row["kind"] == kind and row["gain"] == gain for row in self.rows])
+                if (which & ~self.drawn).any():
+                    self.line(f"{kind}, {gain}", which & ~self.drawn, auto)
+        for form in ("scaled", "full size", "drawn"):
+            which = np.array([row["form"] == form for row in self.rows]) & ~self.clean
+            if which.any():
+                self.line(f"**all, {form}**", which, auto)
+        for kind in ("as made", "JPEG 90"):
+            self.line(f"no noise, {kind}", self.clean & ~self.drawn & [r["kind"] == kind for r in self.rows],
+                      auto)
+        print("\nWorst:\n\n| picture | gain | index | best | nothing | auto | best |\n|---" + 6 * "|---:" + "|")
+        worth = np.where(self.clean, -9, np.maximum(.4 * (self.best - auto), self.psnr[:, 0] - auto))
+        for i in np.argsort(-worth)[:12]:
+            row = self.rows[i]
+            best = ([0] + INDICES)[self.psnr[i].argmax()]
+            print(f"| {row['name']}, {row['form']}, {row['kind']} | {row['gain']} | {row['index']} | {best} | "
+                  f"{self.psnr[i, 0]:.1f} | {auto[i]:.1f} | {self.best[i]:.1f} |")
+
+    # What the values below should make small: the mean distance from the best index, harm four times
+    # as much, and what is done to clean pictures beyond 46 dB.
+    def price(self, octaves):
+        psnr = self.at(octaves)
+        harm = np.clip(self.psnr[:, 0] - psnr - .05, 0, 2.5)
+        price = np.minimum(self.best - psnr, 4) + 4 * harm
+        price = np.where(self.clean, np.clip(46 - psnr, 0, 8) / 4 * (octaves >= 0), price)
+        return np.where(self.drawn, .4, 1) * price
+
+    def octaves(self, values):
+        """`values` are the logarithms of the estimates at index 100, 200, ..., 12800."""
+        noise = np.log2(np.maximum(self.estimate, 1e-3))
+        below = (noise - values[0]) / (values[1] - values[0])
+        return np.where(noise < values[0], below, np.interp(noise, values, np.arange(len(values))))
+
+    def fit(self, which):
+        values, step = np.log2([.1, .2, .32, .45, .67, 1.1, 1.8, 2.9]), .3
+        price = lambda v: self.price(self.octaves(v))[which].mean() + .02 * np.square(np.diff(v, 2)).sum()
+        least = price(values)
+        for _ in range(9):
+            for i in range(len(values)):
+                for change in (-2 * step, -step, step, 2 * step):
+                    trial = values.copy()
+                    trial[i] += change
+                    if np.diff(trial).min() > .15 and price(trial) < least:
+                        least, values = price(trial), trial
+            step *= .7
+        return values
+
+    def print_fit(self):
+        names = sorted({row["name"] for row in self.rows})
+        fold = np.array([names.index(row["name"]) % FOLDS for row in self.rows])
+        octaves = np.zeros(len(self.rows))
+        for i in range(FOLDS):
+            octaves[fold == i] = self.octaves(self.fit(fold != i))[fold == i]
+        gap = (self.best - self.at(octaves))[~self.clean & ~self.drawn]
+        print(f"\nheld out: {gap.mean():.2f} dB short of the best index")
+        print('"chromaNoise_values":', [round(float(v), 2) for v in 2 ** self.fit(fold >= 0)])
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
+    parser.add_argument("build", type=lambda path: pathlib.Path(path).resolve())
+    parser.add_argument("pictures", nargs="+")
+    parser.add_argument("--tuning", default=ROOT / "tuning/samples/vorel_NOTHING.json")
+    parser.add_argument("--gains", nargs="+", type=int, default=[1, 4, 16, 64])
+    parser.add_argument("--fit", action="store_true")
+    options = parser.parse_args()
+    pictures = clean_pictures(options.pictures) | drawn_pictures()
+    jobs = [(key, image, options.build, options.tuning, options.gains) for key, image in pictures.items()]
+    with multiprocessing.Pool(maxtasksperchild=1) as pool:
+        rows = [row for part in pool.imap(measure_picture, jobs, 1) for row in part]
+    results = Results(rows)
+    results.tables()
+    if options.fit:
+        results.print_fit()
+
+
+if __name__ == "__main__":
+    main()
