@@ -85,7 +85,7 @@ const char* vorel_status_text(vorel_status status) {
     case VOREL_BAD_STRIDE:
       return "A stride is smaller than a row of its plane.";
     case VOREL_BAD_SIZE:
-      return "The frame is smaller than 2 x 2 or larger than the handle's planes.";
+      return "The size is below 2 x 2, or larger than the handle or the library can hold.";
     case VOREL_BAD_LAYOUT:
       return "The layout is neither NV21 nor NV12.";
     case VOREL_BAD_OPTION:

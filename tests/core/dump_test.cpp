@@ -12,11 +12,6 @@ namespace {
 
 using ::testing::UnorderedElementsAreArray;
 
-std::string read_file(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 class DumpTest : public HandleTest {
  protected:
   // Name and size of every file below the dump directory.
@@ -80,68 +75,6 @@ TEST_F(DumpTest, FrameDumpReadsOnlyThePlanes) {
     EXPECT_EQ(content("input_16_" + std::to_string(height) + "_0_1.nv21"), expected);
     vorel_deinit(handle);
   }
-}
-
-TEST_F(DumpTest, PackedAndUnknownFrames) {
-  const ScopedEnv variable(kDebugVariable, "3");
-  use_tuning(kBothPaths);
-  GuardedPlane<uint8_t> packed(16 * 16 * 2);
-  for (const auto& [format, dumped] : {std::pair(VOREL_FMT_YUYV, 1), std::pair(0x41424344, 0)}) {
-    vorel* handle = open(16, 16);
-    ASSERT_NE(handle, nullptr);
-    log_.clear();
-    vorel_run(handle, packed.data(), nullptr, 16, 16, format, 640);
-    EXPECT_EQ(log_.count("Dump input image to file(YUYV)"), dumped);
-    EXPECT_EQ(log_.count("Image dumper doesn't support this input format"), 1 - dumped);
-    vorel_deinit(handle);
-  }
-  EXPECT_EQ(files().at("input_16_16_0_640.yuyv"), 512u);
-}
-
-TEST_F(DumpTest, PlaneLevelWritesEveryPlane) {
-  const ScopedEnv variable(kDebugVariable, "5");
-  use_tuning(kBothPaths);
-  vorel* handle = open(128, 72);
-  ASSERT_NE(handle, nullptr);
-  TestFrame frame(128, 72);
-  run(handle, &frame);
-  vorel_deinit(handle);
-  // Chroma 64 x 36, bordered 128 x 100, subbands 64 x 50 and 32 x 25.
-  std::map<std::string, size_t> expected{{"input_128_72_0_640.nv21", 128 * 72 * 3 / 2},
-                                         {"output_128_72_0_640.nv21", 128 * 72 * 3 / 2},
-                                         {"d_U_8_5.raw", 40},
-                                         {"d_V_8_5.raw", 40},
-                                         {"Y_128_72.raw", 128 * 72},
-                                         {"d_Y_low_8_5.raw", 40},
-                                         {"Y_high_128_80.raw", 128 * 80},
-                                         {"f_Y_low_8_5.raw", 40},
-                                         {"f_U_8_5.raw", 40},
-                                         {"f_V_8_5.raw", 40},
-                                         {"u_Y_low_128_80.raw", 128 * 80},
-                                         {"u_U_64_40.raw", 64 * 40},
-                                         {"u_V_64_40.raw", 64 * 40},
-                                         {"MFD_UV_128_36.raw", 128 * 36}};
-  for (const std::string plane : {"U_", "V_"}) {
-    expected["p_" + plane + "128_100.raw"] = 128 * 100 * 2;
-    expected["dS_" + plane + "128_100.raw"] = 128 * 100 * 2;
-    expected["dS_" + plane + "64_36_crop.raw"] = 64 * 36 * 2;
-    expected["dH_" + plane + "32_25.raw"] = 32 * 25 * 2;
-    expected["dH_" + plane + "16_9_crop.raw"] = 16 * 9 * 2;
-    for (int band = 0; band < 7; ++band) {
-      const std::string name = "fW_" + std::to_string(band) + "_" + plane;
-      expected[name + (band < 4 ? "32_25.raw" : "64_50.raw")] = band < 4 ? 1600 : 6400;
-      expected[name + (band < 4 ? "16_9_crop.raw" : "32_18_crop.raw")] = band < 4 ? 288 : 1152;
-    }
-  }
-  EXPECT_EQ(files(), expected);
-  // Contents that can be told from the frame.
-  const TestFrame original(128, 72);
-  EXPECT_EQ(static_cast<uint8_t>(content("d_U_8_5.raw")[9]), original.uv[8 * 128 + 16]);
-  EXPECT_EQ(static_cast<uint8_t>(content("d_V_8_5.raw")[9]), original.uv[8 * 128 + 17]);
-  EXPECT_EQ(content("MFD_UV_128_36.raw"),
-            std::string(frame.uv.data(), frame.uv.data() + frame.uv.size()));
-  EXPECT_EQ(content("Y_128_72.raw"),
-            std::string(original.y.data(), original.y.data() + original.y.size()));
 }
 
 TEST_F(DumpTest, FolderIsNamedInTheTimeZoneOfNow) {

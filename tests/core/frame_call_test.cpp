@@ -1,4 +1,8 @@
+#include <map>
+#include <thread>
+
 #include "tests/core/handle_fixture.h"
+#include "tests/support/faults.h"
 #include "vorel/frame.h"
 
 namespace {
@@ -110,6 +114,183 @@ TEST_F(FrameCallTest, AnySizeStrideAndLayoutEqualsTheContinuedFrame) {
     });
     vorel_deinit(handle);
   }
+}
+
+// Whatever fails, the calls return and the status tells what has become of the frame.
+TEST_F(FrameCallTest, StatusIsTrueWhateverFails) {
+  const std::string tuning = "[" + kBothPaths + "]";
+  const TestFrame untouched(70, 64);
+  TestFrame processed(70, 64);
+  vorel_options options = vorel_default_options(70, 64);
+  options.tuning_text = tuning.data();
+  options.tuning_text_bytes = tuning.size();
+  const auto attempt = [&](TestFrame* frame) {
+    vorel_status status = VOREL_DONE;
+    vorel* handle = vorel_open(&options, &status);
+    vorel_frame_info info{};
+    info.size = sizeof(info);
+    if (handle != nullptr) {
+      status = denoise(handle, frame, 640, &info);
+      EXPECT_EQ(info.status, status);
+      if (status == VOREL_DONE) EXPECT_EQ(info.skipped, 0u);
+      if (status == VOREL_STAGE_SKIPPED) EXPECT_NE(info.skipped, 0u);
+      vorel_deinit(handle);
+    }
+    return status;
+  };
+  ASSERT_EQ(attempt(&processed), VOREL_DONE);
+  ASSERT_NE(processed.bytes(), untouched.bytes());
+  std::map<vorel_status, int> seen;
+  int without_half_planes = 0;
+  for (auto kind : {FaultScope::Kind::kAllocation, FaultScope::Kind::kThreadCreate}) {
+    for_each_fault(kind, [&](int nth) {
+      SCOPED_TRACE(nth);
+      log_.clear();
+      TestFrame frame(70, 64);
+      const vorel_status status = attempt(&frame);
+      ++seen[status];
+      const bool low_band_kept = log_.count("Denoise::haarL2Denoise, alloc is fail") > 0;
+      if (status == VOREL_DONE) EXPECT_TRUE(frame.bytes() == processed.bytes() || low_band_kept);
+      if (status < 0) EXPECT_TRUE(frame.bytes() == untouched.bytes());
+      if (status != VOREL_DONE) EXPECT_GE(log_.errors(), 1);
+      if (log_.count("vorel_interleave, skipped: no half-precision planes") > 0) {
+        EXPECT_EQ(status, VOREL_NO_MEMORY);
+        EXPECT_EQ(log_.count("MFD_UV, skipped: no half-precision planes"), 1);
+        ++without_half_planes;
+      }
+    });
+  }
+  // Which call of several threads is the n-th differs from run to run.
+  EXPECT_GE(seen[VOREL_NO_THREADS], 8);      // starter, driver, six workers
+  EXPECT_GE(seen[VOREL_NO_MEMORY], 12 + 1);  // init's; own planes and half planes
+  EXPECT_GE(without_half_planes, 1);
+  EXPECT_GE(seen[VOREL_STAGE_SKIPPED], 1);
+}
+
+TEST_F(FrameCallTest, InfoTellsValuesStagesAndTimes) {
+  use_tuning(R"({"enableNoiseIndex": 90, "noiseIndex_values": [100, 1100, 2100],
+    "CNRTuningSetfile": {"Date": "2026-01-02"}, "MFD_UV_tuning": {"CSatThr2Table": [1.5, 2.5]},
+    "interleaving_tuning": {"cs_upper_thresh_table": [10, 110, 120]}})");
+  vorel* handle = open_for(64, 64);
+  TestFrame frame(64, 64);
+  const struct {
+    int index, low, high, cs_upper;
+    float threshold;
+  } cases[] = {{90, 0, 0, 10, 1.5f},
+               {600, 0, 1, 60, 2.0f},
+               {1100, 1, 1, 110, 2.5f},
+               {9000, 2, 2, 120, 40.0f}};
+  vorel_frame_info info{};
+  info.size = sizeof(info);
+  for (const auto& c : cases) {
+    EXPECT_EQ(denoise(handle, &frame, c.index, &info), VOREL_DONE);
+    EXPECT_EQ(info.status, VOREL_DONE);
+    EXPECT_EQ(info.noise_index, c.index);
+    EXPECT_EQ(info.enable_noise_index, 90);
+    EXPECT_EQ(info.level_low, c.low);
+    EXPECT_EQ(info.level_high, c.high);
+    EXPECT_EQ(info.cs_upper_thresh, c.cs_upper);
+    EXPECT_EQ(info.CSatThr2, c.threshold);
+    EXPECT_EQ(info.denoiseThrChroma[4], 60.0f);
+    EXPECT_EQ(info.workers, 6);
+    EXPECT_EQ(info.spatial + 2 * info.wavelet, 3);
+    int64_t stages = 0;
+    for (int64_t usec : info.stage_usec) {
+      EXPECT_GE(usec, 0);
+      stages += usec;
+    }
+    EXPECT_GT(info.stage_usec[VOREL_STAGE_MFD_UV], 0);
+    EXPECT_GE(info.total_usec, stages);
+  }
+  EXPECT_EQ(denoise(handle, &frame, 89, &info), VOREL_BELOW_GATE);
+  EXPECT_EQ(info.status, VOREL_BELOW_GATE);
+  EXPECT_EQ(info.workers + info.cs_upper_thresh + info.stage_usec[0], 0);
+  EXPECT_EQ(info.spatial + 2 * info.wavelet, 3);
+  info.size -= 1;
+  EXPECT_EQ(denoise(handle, &frame, 640, &info), VOREL_BAD_RECORD);
+  EXPECT_EQ(info.status, VOREL_BELOW_GATE) << "a record of unknown size is not written";
+
+  vorel_handle_info made{};
+  EXPECT_EQ(vorel_get_handle_info(handle, &made), VOREL_BAD_RECORD);
+  made.size = sizeof(made);
+  EXPECT_EQ(vorel_get_handle_info(nullptr, &made), VOREL_BAD_HANDLE);
+  EXPECT_EQ(vorel_get_handle_info(handle, &made), VOREL_DONE);
+  EXPECT_EQ(made.tuning_loaded, 1);
+  EXPECT_EQ(made.level_count, 3);
+  EXPECT_EQ(made.levels[2], 2100);
+  EXPECT_EQ(made.workers, 6);
+  EXPECT_STREQ(made.sensor_name, "NOTHING");
+  EXPECT_STREQ(made.tuning_date, "2026-01-02");
+  EXPECT_STREQ(made.dump_path, "");
+  vorel_deinit(handle);
+}
+
+// Tuning of a named file or text must be usable; the sensor's own need not be there.
+TEST_F(FrameCallTest, OptionsNameTheTuning) {
+  firmware_.write("any name", R"([{"enableNoiseIndex": 11}])");
+  firmware_.write("broken", R"([{"enableNoiseIndex": )");
+  const std::string file = firmware_.path() / "any name";
+  const std::string broken = firmware_.path() / "broken";
+  const std::string text = R"([{"enableNoiseIndex": 22}] and more)";
+  const struct {
+    const char* path;
+    const char* text;
+    size_t bytes;
+    const char* thread_name;
+    vorel_status status;
+    int enable_noise_index;
+  } cases[] = {
+      {nullptr, nullptr, 0, "12345678", VOREL_DONE, 40960},
+      {file.c_str(), nullptr, 0, "a", VOREL_DONE, 11},
+      {nullptr, text.data(), 26, "a", VOREL_DONE, 22},
+      {nullptr, text.data(), 25, "a", VOREL_BAD_TUNING, 0},
+      {nullptr, text.data(), 0, "a", VOREL_BAD_TUNING, 0},
+      {nullptr, "{}", 2, "a", VOREL_BAD_TUNING, 0},
+      {nullptr, "[1]", 3, "a", VOREL_BAD_TUNING, 0},
+      {broken.c_str(), nullptr, 0, "a", VOREL_BAD_TUNING, 0},
+      {"/absent", nullptr, 0, "a", VOREL_BAD_TUNING, 0},
+      {file.c_str(), text.data(), 26, "a", VOREL_BAD_OPTION, 0},
+      {nullptr, nullptr, 0, "123456789", VOREL_BAD_OPTION, 0},
+      {nullptr, nullptr, 0, "", VOREL_BAD_OPTION, 0},
+      {nullptr, nullptr, 0, nullptr, VOREL_BAD_OPTION, 0},
+  };
+  for (const auto& c : cases) {
+    vorel_options options = vorel_default_options(18, 4);
+    options.tuning_path = c.path;
+    options.tuning_text = c.text;
+    options.tuning_text_bytes = c.bytes;
+    options.thread_name = c.thread_name;
+    vorel_status status = VOREL_BAD_RECORD;
+    log_.clear();
+    vorel* handle = vorel_open(&options, &status);
+    EXPECT_EQ(status, c.status);
+    EXPECT_EQ(handle != nullptr, status == VOREL_DONE);
+    if (status == VOREL_BAD_TUNING) EXPECT_GE(log_.errors(), 2) << "the loader tells what is wrong";
+    if (handle == nullptr) continue;
+    EXPECT_EQ(handle->tuning.enableNoiseIndex, c.enable_noise_index);
+    TestFrame frame(18, 4);
+    EXPECT_EQ(denoise(handle, &frame, 50000), VOREL_DONE);
+    vorel_deinit(handle);
+  }
+  EXPECT_EQ(vorel_open(nullptr, nullptr), nullptr);
+}
+
+// A vorel_run that keeps the slot may have taken it before the frame call began to wait.
+TEST_F(FrameCallTest, WaitsForNoCallThatHasEnded) {
+  use_tuning(kSpatialOnly);
+  vorel* handle = open_for(64, 64);
+  pthread_mutex_lock(&handle->slot_mutex[0]);
+  std::thread waiting([&] {
+    TestFrame frame(64, 64);
+    EXPECT_EQ(denoise(handle, &frame), VOREL_DONE);
+    EXPECT_EQ(denoise(handle, &frame), VOREL_DONE);
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(60));
+  handle->slot_abandoned = 1;
+  waiting.join();
+  EXPECT_EQ(handle->slot_abandoned, 1);
+  pthread_mutex_unlock(&handle->slot_mutex[0]);
+  vorel_deinit(handle);
 }
 
 }  // namespace

@@ -64,6 +64,14 @@ class HandleTest : public ::testing::Test {
     return result;
   }
 
+  static vorel_status denoise(vorel* handle, TestFrame* frame, int noise_index = 640,
+                              vorel_frame_info* info = nullptr) {
+    const vorel_frame given{sizeof(vorel_frame), frame->y.data(),   frame->uv.data(),
+                            frame->width,        frame->width,      frame->width,
+                            frame->height,       VOREL_LAYOUT_NV21, noise_index};
+    return vorel_denoise_frame(handle, &given, info);
+  }
+
   TempDir firmware_;
   ScopedEnv firmware_variable_{"VOREL_FIRMWARE_DIR", firmware_.path().c_str()};
   ScopedEnv debug_variable_{kDebugVariable, nullptr};

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <numeric>
 
+#include "core/run_thread.h"
 #include "tests/core/handle_fixture.h"
 
 namespace {
@@ -128,6 +130,19 @@ TEST_F(StagesTest, UnknownFormatFails) {
   EXPECT_EQ(log_.count("vorel_interleave_thread_func, Not supported format"), 1);
 }
 
+// A stage that fails ends the frame.
+TEST_F(StagesTest, FailedStageEndsTheFrame) {
+  Record run(48, 48, 0x30313233);
+  frame_pool none{};
+  none.starter_joined = 1;
+  run->pool = &none;
+  log_.clear();
+  EXPECT_EQ(vorel_run_thread(run.get()), run.get());
+  EXPECT_EQ(log_.texts(),
+            (std::vector<std::string>{"vorel_deinterleave", "vorel_run, Not supported format",
+                                      "vorel_deinterleave is fail.. ret = -1"}));
+}
+
 TEST_F(StagesTest, WithoutWorkersThePixelsStay) {
   Record run(48, 100);
   run.tuning().mfd_uv_tuning.enable = 0;
@@ -190,6 +205,74 @@ TEST_F(StagesTest, StripsInAnyOrderGiveTheFrame) {
         for (int i : order) vorel_interleave_thread_func(&run->interleave_jobs[i]);
       }
       EXPECT_EQ(run.frame().bytes(), expected.bytes());
+    }
+  }
+}
+
+// What the dumps hold: the spatial path's planes as its kernels leave them, and the wavelet stage's
+// input without its border, which is what the spatial path has restored or, alone, the frame.
+TEST_F(StagesTest, DumpsHoldThePlanesTheyAreNamedAfter) {
+  constexpr int kWidth = 128;
+  constexpr int kHeight = 72;
+  constexpr size_t kHalf = 128 * 100;  // 64 x 36 with its border
+  const ScopedEnv level(kDebugVariable, "5");
+  for (const std::string& paths : {kBothPaths, kWaveletOnly}) {
+    const TempDir dumps;
+    const ScopedEnv dump_variable("VOREL_DUMP_DIR", dumps.path().c_str());
+    use_tuning(paths);
+    const TestFrame original(kWidth, kHeight);
+    TestFrame frame(kWidth, kHeight);
+    vorel* handle = open(kWidth, kHeight);
+    const std::filesystem::path folder = handle->dump_path;
+    HandleTest::run(handle, &frame);
+    vorel_deinit(handle);
+
+    Record run(kWidth, kHeight);
+    std::vector<_Float16> half(2 * kHalf);
+    run->mfd_u = half.data();
+    run->mfd_v = half.data() + kHalf;
+    run->mfd_width = 128;
+    std::map<std::string, std::pair<const uint8_t*, size_t>> planes{
+        {"MFD_UV_128_36.raw", {frame.uv.data(), 128 * 36}}};
+    if (paths == kWaveletOnly) {
+      planes["VOREL_UV_128_36.raw"] = {run->in_address_2, 128 * 36};
+      for (size_t i = 0; i < 128 * 36; ++i) {
+        const size_t at = (32 + i / 128) * 128 + 32 + i % 128 / 2;
+        (i % 2 == 0 ? run->mfd_u : run->mfd_v)[at] = run->in_address_2[i];
+      }
+    } else {
+      vorel_deinterleave(run.get());
+      fill_box_filter_jobs(run.get());
+      for (box_filter_job& job : run->box_jobs) box_filter_col(&job);
+      y_low_downsample(run.get());
+      for (auto* job : {vorel_y_job, vorel_u_job, vorel_v_job}) job(run.get());
+      planes["d_U_8_5.raw"] = {run->downsampled_u, 40};
+      planes["d_V_8_5.raw"] = {run->downsampled_v, 40};
+      planes["d_Y_low_8_5.raw"] = {run->downsampled_y, 40};
+      planes["Y_high_128_80.raw"] = {run->y_high, 128 * 72};  // rows below are nobody's
+      planes["f_Y_low_8_5.raw"] = {run->filtered_y, 40};
+      planes["f_U_8_5.raw"] = {run->filtered_u, 40};
+      planes["f_V_8_5.raw"] = {run->filtered_v, 40};
+      planes["u_Y_low_128_80.raw"] = {run->y_low, 128 * 80};
+      planes["u_U_64_40.raw"] = {run->upsampled_u, 64 * 40};
+      planes["u_V_64_40.raw"] = {run->upsampled_v, 64 * 40};
+      planes["Y_128_72.raw"] = {original.y.data(), 128 * 72};
+      fill_interleave_jobs(run.get());
+      for (interleave_job& job : run->interleave_jobs) vorel_interleave_thread_func(&job);
+    }
+    for (const auto& [name, plane] : planes) {
+      const std::string bytes = read_file(folder / name);
+      ASSERT_GE(bytes.size(), std::max<size_t>(plane.second, 1)) << name;
+      EXPECT_EQ(std::memcmp(bytes.data(), plane.first, plane.second), 0) << name;
+    }
+    for (const auto& [name, plane] :
+         {std::pair("p_U_128_100.raw", run->mfd_u), std::pair("p_V_128_100.raw", run->mfd_v)}) {
+      const std::string bytes = read_file(folder / name);
+      ASSERT_EQ(bytes.size(), kHalf * sizeof(_Float16)) << name;
+      for (size_t row = 32; row < 32 + 36; ++row) {
+        const size_t at = row * 128 + 32;
+        EXPECT_EQ(std::memcmp(bytes.data() + at * sizeof(_Float16), plane + at, 64 * 2), 0) << name;
+      }
     }
   }
 }

@@ -13,6 +13,7 @@ std::atomic<bool> g_active{false};
 std::atomic<FaultScope::Kind> g_kind{FaultScope::Kind::kAllocation};
 std::atomic<int> g_nth{0};
 std::atomic<int> g_calls{0};
+std::atomic<void* (*)(void*)> g_thread_function{nullptr};
 
 bool must_fail(FaultScope::Kind kind) {
   if (!g_active || g_kind != kind) return false;
@@ -21,8 +22,9 @@ bool must_fail(FaultScope::Kind kind) {
 
 }  // namespace
 
-FaultScope::FaultScope(Kind kind, int nth) : nth_(nth) {
+FaultScope::FaultScope(Kind kind, int nth, void* (*thread_function)(void*)) : nth_(nth) {
   g_kind = kind;
+  g_thread_function = thread_function;
   g_nth = nth;
   g_calls = 0;
   g_active = true;
@@ -51,7 +53,9 @@ void* __wrap_calloc(size_t count, size_t bytes) {
 
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
                           void* (*function)(void*), void* argument) {
-  if (must_fail(FaultScope::Kind::kThreadCreate)) return EAGAIN;
+  const auto only = g_thread_function.load();
+  const bool meant = only == nullptr || only == function;
+  if (meant && must_fail(FaultScope::Kind::kThreadCreate)) return EAGAIN;
   return __real_pthread_create(thread, attributes, function, argument);
 }
 

@@ -11,7 +11,8 @@ class FaultScope {
     kAllocation,    // malloc, calloc, new (std::nothrow)
     kThreadCreate,  // pthread_create fails with EAGAIN
   };
-  FaultScope(Kind kind, int nth);
+  // Of threads only those that run `thread_function`, when it is not null.
+  FaultScope(Kind kind, int nth, void* (*thread_function)(void*) = nullptr);
   ~FaultScope();
   FaultScope(const FaultScope&) = delete;
   FaultScope& operator=(const FaultScope&) = delete;
@@ -23,5 +24,17 @@ class FaultScope {
  private:
   int nth_;
 };
+
+// Calls `body` with a scope in which the first call of that kind fails, then the second and so on,
+// until `body` does not make that many; it then has had a run without a fault too. Returns the
+// number of calls that failed.
+template <typename Body>
+int for_each_fault(FaultScope::Kind kind, Body body) {
+  for (int nth = 1;; ++nth) {
+    const FaultScope fault(kind, nth);
+    body(nth);
+    if (!fault.fired()) return nth - 1;
+  }
+}
 
 #endif  // VOREL_TESTS_SUPPORT_FAULTS_H_

@@ -1,0 +1,65 @@
+#include "tests/support/system_watch.h"
+
+#include <android/log.h>
+#include <sys/time.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <string>
+
+namespace {
+
+constexpr int64_t kStepUsec = 1234;
+
+std::atomic<const LogCapture*> g_log{nullptr};
+
+void show(const std::string& text) {
+  if (g_log.load() == nullptr) return;
+  __android_log_print(ANDROID_LOG_DEBUG, "SYSTEM", "%s", text.c_str());
+}
+
+}  // namespace
+
+SystemWatch::SystemWatch(const LogCapture* log) { g_log = log; }
+
+SystemWatch::~SystemWatch() { g_log = nullptr; }
+
+bool is_from_start(const LogLine& line) {
+  return line.text.rfind("ThreadPool::init", 0) == 0 || line.text.rfind("worker ", 0) == 0;
+}
+
+// The linker sends the library's calls here (--wrap).
+extern "C" {
+int __real_gettimeofday(timeval* time, void* zone);
+void __real__Z15set_thread_namePKc(const char* name);
+int __real__Z19set_thread_affinityj(uint32_t mask);
+void __real__Z15set_thread_nicei(int nice_value);
+
+int __wrap_gettimeofday(timeval* time, void* zone) {
+  const LogCapture* log = g_log.load();
+  if (log == nullptr) return __real_gettimeofday(time, zone);
+  const std::vector<LogLine> lines = log->lines();
+  const auto steps = std::count_if(lines.begin(), lines.end(),
+                                   [](const LogLine& line) { return !is_from_start(line); });
+  const int64_t usec = kStepUsec * steps;
+  time->tv_sec = usec / 1000000;
+  time->tv_usec = usec % 1000000;
+  return 0;
+}
+
+void __wrap__Z15set_thread_namePKc(const char* name) {
+  show(std::string("worker name ") + name);
+  __real__Z15set_thread_namePKc(name);
+}
+
+int __wrap__Z19set_thread_affinityj(uint32_t mask) {
+  show("worker processors " + std::to_string(mask));
+  return __real__Z19set_thread_affinityj(mask);
+}
+
+void __wrap__Z15set_thread_nicei(int nice_value) {
+  show("driver nice " + std::to_string(nice_value));
+  __real__Z15set_thread_nicei(nice_value);
+}
+}
