@@ -25,10 +25,6 @@ set(VOREL_TUNING_SOURCES
   tuning/log_tuning.cpp
   tuning/select.cpp
   tuning/sensors.cpp)
-# What the command checks tuning files with; no part of the library.
-set(VOREL_TUNING_CHECK_SOURCES
-  tuning/check.cpp
-  tuning/findings.cpp)
 set(VOREL_CORE_SOURCES
   core/box_filter_stage.cpp
   core/continued_frame.cpp

@@ -1,15 +1,14 @@
-#include "tuning/decode.h"
-
 #include <cstdio>
 
 #include "platform/log.h"
 #include "tuning/keys.h"
 #include "tuning/tuning.h"
+#include "tuning/used_object.h"
 
 namespace {
 
-// Finds the object that counts: the last one, or null in an empty array, where every key is absent.
-// A root of the wrong shape is logged, loses a reference and gives false.
+// Finds the object that counts. A root of the wrong shape is logged, loses a reference and gives
+// false.
 bool find_used_object(json_t* root, const json_t*& used) {
   if (!json_is_array(root)) {
     VOREL_LOGE("Error loading JSON: root is not an array");
@@ -17,13 +16,12 @@ bool find_used_object(json_t* root, const json_t*& used) {
     return false;
   }
   const size_t bad = first_non_object(root);
-  const size_t count = json_array_size(root);
-  if (bad < count) {
+  if (bad < json_array_size(root)) {
     VOREL_LOGE("error: Json %d is not an object", static_cast<int>(bad + 1));
     json_decref(root);
     return false;
   }
-  used = count > 0 ? json_array_get(root, count - 1) : nullptr;
+  used = used_object(root);
   return true;
 }
 
@@ -63,13 +61,6 @@ void decode_key(const tuning_key& key, const json_t* object, cnr_tuning* tuning)
 }
 
 }  // namespace
-
-size_t first_non_object(const json_t* array) {
-  const size_t count = json_array_size(array);
-  size_t i = 0;
-  while (i < count && json_is_object(json_array_get(array, i))) ++i;
-  return i;
-}
 
 void getTuningVersions(json_t* root, char* dst) {
   const json_t* used = nullptr;

@@ -11,8 +11,8 @@
 
 #include "platform/directories.h"
 #include "platform/log.h"
-#include "tuning/decode.h"
 #include "tuning/tuning.h"
+#include "tuning/used_object.h"
 
 namespace {
 

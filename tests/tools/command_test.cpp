@@ -105,7 +105,7 @@ TEST_F(Command, BadInputIsStatus2) {
                  "none.json: no such tuning");
   write_text(directory / "broken.json", "[{\n\"enable\": 1,\n}]");
   expect_refused({"denoise", picture, "-o", out, "--tuning", directory / "broken.json"}, 2,
-                 "broken.json: line 3");
+                 "broken.json:2:12: a comma stands here");
   save(directory / "small.png", gradient_picture(8, 8));
   expect_refused({"compare", picture, directory / "small.png"}, 2, "is 8 x 8");
 }
@@ -294,14 +294,14 @@ TEST_F(Command, CheckReportsFindingsPerFile) {
   write_text(directory / "odd.json", R"([{"CNRTuningSetfile": {"Date": "d"}, "enabel": 1}])");
   const CommandResult odd = run_vorel({"check", directory / "odd.json"});
   EXPECT_EQ(odd.status, 0) << "a warning alone is no failure";
-  EXPECT_THAT(odd.out, HasSubstr("odd.json: warning: enabel"));
+  EXPECT_THAT(odd.out, HasSubstr("odd.json:1:38: warning: enabel"));
   EXPECT_EQ(run_vorel({"check", "--strict", directory / "odd.json"}).status, 2);
   write_text(directory / "bad.json", "[{]");
   const CommandResult bad =
       run_vorel({"check", directory / "none.json", directory / "bad.json", good});
   EXPECT_EQ(bad.status, 2);
-  EXPECT_THAT(bad.out, HasSubstr("none.json: No such file"));
-  EXPECT_THAT(bad.out, HasSubstr("bad.json: error: line 1"));
+  EXPECT_THAT(bad.out, HasSubstr("none.json: error: No such file"));
+  EXPECT_THAT(bad.out, HasSubstr("bad.json:1:3: error: "));
   EXPECT_THAT(bad.out, HasSubstr(good + ": ok")) << "the others are checked all the same";
   EXPECT_THAT(bad.out, HasSubstr("2 errors, 0 warnings"));
 }

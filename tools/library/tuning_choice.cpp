@@ -8,8 +8,8 @@
 #include "tools/files/failure.h"
 #include "tools/files/file_bytes.h"
 #include "tools/pictures/picture_name.h"
+#include "tools/tuning/check.h"
 #include "tools/tuning/edit.h"
-#include "tools/tuning/findings.h"
 #include "tuning/sensors.h"
 
 namespace tool {
@@ -41,14 +41,14 @@ bool exists(const std::string& path, bool& is_directory) {
   return true;
 }
 
-// Shows what the checker finds; the reason when it is that the library reads nothing of the text.
-std::optional<std::string> show_findings(const std::string& path, const std::string& text) {
-  std::optional<std::string> useless;
+// Shows what the checker finds; gives the finding that the library reads nothing of the text.
+std::optional<Finding> show_findings(const std::string& path, const std::string& text) {
+  std::optional<Finding> useless;
   for (const Finding& finding : check_tuning_text(text)) {
-    if (finding.is_error && finding.is_whole_file) {
-      useless = finding.text;
+    if (finding.is_whole_file) {
+      useless = finding;
     } else {
-      warn(path + ": " + finding.text);
+      warn(finding.where(path) + ": " + finding.text());
     }
   }
   return useless;
@@ -61,8 +61,9 @@ TuningChoice built_in(const std::string& why) {
 
 TuningChoice from_file(const std::string& path) {
   const std::string text = read_text_file(path);
-  if (const std::optional<std::string> useless = show_findings(path, text)) {
-    throw input_error(path, *useless + " (--tuning none uses the built-in values)");
+  if (const std::optional<Finding> useless = show_findings(path, text)) {
+    throw input_error(useless->where(path),
+                      useless->text() + " (--tuning none uses the built-in values)");
   }
   return {text, path, "", false};
 }
@@ -78,8 +79,9 @@ TuningChoice from_directory(const std::string& directory, unsigned sensor) {
     return built_in(why);
   }
   const std::string text = read_text_file(path);
-  if (const std::optional<std::string> useless = show_findings(path, text)) {
-    warn(path + ": " + *useless + "; the library's built-in values are used");
+  if (const std::optional<Finding> useless = show_findings(path, text)) {
+    warn(useless->where(path) + ": " + useless->text() +
+         "; the library's built-in values are used");
     return built_in(path + " is of no use");
   }
   return {text, path, "", false};

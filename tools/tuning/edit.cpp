@@ -1,25 +1,10 @@
 #include "tools/tuning/edit.h"
 
-#include <jansson.h>
-
-#include <cstdlib>
-#include <memory>
-
 #include "tools/files/failure.h"
+#include "tools/tuning/json.h"
+#include "tuning/used_object.h"
 
 namespace tool {
-namespace {
-
-struct JsonRelease {
-  void operator()(json_t* json) const { json_decref(json); }
-};
-using Json = std::unique_ptr<json_t, JsonRelease>;
-
-struct TextRelease {
-  void operator()(char* text) const { std::free(text); }
-};
-
-}  // namespace
 
 std::string with_paths_off(const std::string& path, const std::string& text, bool spatial_off,
                            bool wavelet_off) {
@@ -28,7 +13,7 @@ std::string with_paths_off(const std::string& path, const std::string& text, boo
   if (!root) {
     throw input_error(path, "line " + std::to_string(error.line) + ": " + error.text);
   }
-  json_t* last = json_array_get(root.get(), json_array_size(root.get()) - 1);
+  json_t* last = used_object(root.get());
   if (!json_is_object(last)) throw input_error(path, "is no array of tuning objects");
   if (spatial_off) json_object_set_new(last, "enable", json_integer(0));
   if (wavelet_off) {
@@ -39,9 +24,9 @@ std::string with_paths_off(const std::string& path, const std::string& text, boo
     }
     json_object_set_new(wavelet, "enable", json_integer(0));
   }
-  const std::unique_ptr<char, TextRelease> edited(json_dumps(root.get(), JSON_INDENT(2)));
-  if (!edited) throw input_error(path, "cannot be edited");
-  return edited.get();
+  const std::string edited = json_text(root.get(), JSON_INDENT(2));
+  if (edited.empty()) throw input_error(path, "cannot be edited");
+  return edited;
 }
 
 }  // namespace tool

@@ -7,10 +7,17 @@
 
 namespace tool {
 
+struct CheckOptions {
+  std::vector<std::string> paths;  // files, and folders whose *.json files are meant
+  bool strict = false;             // warnings are failures too
+  bool json = false;               // one JSON object instead of lines
+  bool fix = false;                // write lost decimal points first, the old file beside it
+};
+
 // Prints the findings of every file, or that there are none. A file that cannot be read counts as
 // an error and does not keep the others from being checked. Returns kBadInput when any file has an
-// error, else kDone; warnings alone are no failure unless `strict`.
-[[nodiscard]] int run_check(const std::vector<std::string>& paths, bool strict);
+// error, kFailed when a fixed one could not be written, else kDone.
+[[nodiscard]] int run_check(const CheckOptions& options);
 
 }  // namespace tool
 

@@ -8,7 +8,7 @@
 #include "tests/tools/run_command.h"
 #include "tools/files/failure.h"
 #include "tools/tuning/edit.h"
-#include "tools/tuning/findings.h"
+#include "tools/tuning/check.h"
 
 namespace {
 
