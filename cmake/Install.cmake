@@ -7,6 +7,7 @@ install(TARGETS vorel EXPORT vorel
 install(DIRECTORY include/vorel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY tuning/samples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vorel/tuning
   FILES_MATCHING PATTERN "*.json")
+install(FILES tuning/vorel_tuning.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/vorel)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vorel)
 install(EXPORT vorel NAMESPACE vorel:: FILE vorelTargets.cmake DESTINATION ${package_dir})

@@ -8,6 +8,7 @@
 #     exports   exported names, whose symbols a folder uses, how the library is linked
 #     abi       binary interface against the recorded one
 #     android   Android.bp against the CMake lists; library and tests as Android compiles them
+#     schema    the schema of tuning files accepts and refuses what it should
 #     install   an installed copy works for programs in C and C++
 #     debug     tests without optimisation, locals filled with a pattern
 #     asan      tests with the address and undefined-behaviour sanitizers
@@ -72,6 +73,9 @@ check_abi() { scripts/abi.sh check; }
 
 check_android() { scripts/check_android.sh; }
 
+# Debian's Python, which has the validator.
+check_schema() { /usr/bin/python3 scripts/check_schema.py; }
+
 check_install() {
   configure_and_build host
   scripts/check_install.sh build/host
@@ -107,9 +111,9 @@ check_bench() {
 }
 
 fast=(format includes host exports)
-everything=(format includes host exports android install abi debug asan tsan arm fuzz bench)
+everything=(format includes host exports android schema install abi debug asan tsan arm fuzz bench)
 
-[ $# -gt 0 ] || { sed -n '3,18s/^# \{0,1\}//p' "$0"; exit 1; }
+[ $# -gt 0 ] || { sed -n '3,19s/^# \{0,1\}//p' "$0"; exit 1; }
 if [ "$1" = --step ]; then
   "check_$2"
   exit

@@ -46,7 +46,8 @@ TEST_F(Command, HelpAndVersionAreEverywhere) {
   const CommandResult main = run_vorel({"--help"});
   EXPECT_EQ(main.status, 0);
   EXPECT_THAT(main.err, IsEmpty());
-  for (const char* verb : {"denoise", "measure", "noise", "compare", "check", "dump"}) {
+  for (const char* verb :
+       {"denoise", "measure", "noise", "compare", "check", "show", "schema", "dump"}) {
     EXPECT_THAT(main.out, HasSubstr(verb));
     const CommandResult help = run_vorel({verb, "--help"});
     EXPECT_EQ(help.status, 0) << verb;
@@ -197,7 +198,7 @@ TEST_F(Command, FindingsInTheTuningAreShownBeforeTheRun) {
   const CommandResult run =
       run_vorel({"denoise", raw, "-o", directory / "x.nv21", "--tuning", directory / "t.json"});
   EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_THAT(run.err, HasSubstr("vorel: warning: " + (directory / "t.json") + ": enabel"));
+  EXPECT_THAT(run.err, HasSubstr("vorel: warning: " + (directory / "t.json") + ":1:38: enabel"));
   EXPECT_THAT(run.out, HasSubstr("dated d"));
 }
 

@@ -99,8 +99,10 @@ class LevelCheck {
                      "values");
       return;
     }
+    std::vector<double> all;
+    for (size_t i = 0; i < levels_; ++i) all.push_back(number(kLevels, i));
     std::string list;
-    for (const size_t level : unreachable_levels(view_)) {
+    for (const size_t level : unreachable_levels(all, number(kGate, 0))) {
       list += (list.empty() ? "" : ", ") + shown(kLevels, level);
     }
     if (list.empty()) return;
@@ -234,13 +236,11 @@ void check_levels(const TuningView& view, FindingList& found) {
   LevelCheck(view, found).check_all();
 }
 
-std::vector<size_t> unreachable_levels(const TuningView& view) {
+std::vector<size_t> unreachable_levels(const std::vector<double>& levels, double gate) {
   std::vector<size_t> unreachable;
-  for (size_t level = 0; level + 1 < view.levels(); ++level) {
+  for (size_t i = 0; i + 1 < levels.size(); ++i) {
     // A frame takes from a level up to the next one.
-    if (view.number(key(kLevels), level + 1) <= view.number(key(kGate), 0)) {
-      unreachable.push_back(level);
-    }
+    if (levels[i + 1] <= gate) unreachable.push_back(i);
   }
   return unreachable;
 }

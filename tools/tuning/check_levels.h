@@ -11,8 +11,10 @@ namespace tool {
 
 void check_levels(const TuningView& view, FindingList& found);
 
-// Levels that give nothing to any frame, since the gate leaves alone what lies near them.
-[[nodiscard]] std::vector<size_t> unreachable_levels(const TuningView& view);
+// Positions of the levels that give nothing to any frame, since the gate leaves alone what lies
+// near them.
+[[nodiscard]] std::vector<size_t> unreachable_levels(const std::vector<double>& levels,
+                                                     double gate);
 
 }  // namespace tool
 

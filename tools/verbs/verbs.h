@@ -17,6 +17,8 @@ struct Verb {
 [[nodiscard]] Verb add_noise_verb(CLI::App& app);
 [[nodiscard]] Verb add_compare_verb(CLI::App& app);
 [[nodiscard]] Verb add_check_verb(CLI::App& app);
+[[nodiscard]] Verb add_show_verb(CLI::App& app);
+[[nodiscard]] Verb add_schema_verb(CLI::App& app);
 [[nodiscard]] Verb add_dump_verb(CLI::App& app);
 
 }  // namespace tool
