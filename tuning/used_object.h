@@ -14,10 +14,14 @@
   return i;
 }
 
+// Position of the object that counts; no element has it in an empty array.
+[[nodiscard]] inline size_t used_position(const json_t* array) {
+  return json_array_size(array) - 1;
+}
+
 // Null in an empty array, where every key is absent.
 [[nodiscard]] inline json_t* used_object(const json_t* array) {
-  const size_t count = json_array_size(array);
-  return count > 0 ? json_array_get(array, count - 1) : nullptr;
+  return json_array_get(array, used_position(array));
 }
 
 #endif  // VOREL_TUNING_USED_OBJECT_H_

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "tools/measure/noise_index.h"
+#include "tuning/used_object.h"
 
 namespace tool {
 namespace {
@@ -28,7 +29,7 @@ std::optional<NoiseCalibration> calibration_of(const std::string& tuning_text) {
   json_error_t error;
   const std::unique_ptr<json_t, JsonRelease> root(
       json_loadb(tuning_text.data(), tuning_text.size(), JSON_DISABLE_EOF_CHECK, &error));
-  const json_t* used = json_array_get(root.get(), json_array_size(root.get()) - 1);
+  const json_t* used = used_object(root.get());
   const json_t* indices = json_object_get(used, "noiseIndex_values");
   const json_t* noise = json_object_get(used, "chromaNoise_values");
   NoiseCalibration levels;

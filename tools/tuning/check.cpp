@@ -3,8 +3,9 @@
 #include <strings.h>
 
 #include <algorithm>
-#include <set>
+#include <string>
 
+#include "tools/did_you_mean.h"
 #include "tools/tuning/check_levels.h"
 #include "tools/tuning/check_values.h"
 #include "tools/tuning/tuning_text.h"
@@ -33,20 +34,23 @@ bool is_known(const std::string& section, const std::string& name) {
   return known != nullptr && section_of(*known) == section;
 }
 
-// What may have been meant: the same letters in another case, or the same name elsewhere.
+// What may have been meant: the same letters in another case, the same name elsewhere, or a name of
+// this section that is nearly the same.
 std::string guess(const std::string& section, const std::string& name) {
+  std::vector<std::string> here = section.empty() ? sections() : std::vector<std::string>();
   std::string elsewhere;
-  if (section.empty()) {
-    for (const std::string& other : sections()) {
-      if (!other.empty() && strcasecmp(other.c_str(), name.c_str()) == 0) return other;
+  for (const KnownKey& known : known_keys()) {
+    if (section_of(known) == section) {
+      here.emplace_back(known.key.name);
+    } else if (elsewhere.empty() && strcasecmp(known.key.name, name.c_str()) == 0) {
+      elsewhere = known.path();
     }
   }
-  for (const KnownKey& known : known_keys()) {
-    if (strcasecmp(known.key.name, name.c_str()) != 0) continue;
-    if (section_of(known) == section) return known.path();
-    if (elsewhere.empty()) elsewhere = known.path();
-  }
-  return elsewhere;
+  const auto same = std::find_if(here.begin(), here.end(), [&](const std::string& other) {
+    return !other.empty() && strcasecmp(other.c_str(), name.c_str()) == 0;
+  });
+  if (same != here.end()) return "; did you mean " + join_path(section, *same) + "?";
+  return elsewhere.empty() ? did_you_mean(name, here) : "; did you mean " + elsewhere + "?";
 }
 
 // Names that the library does not know, and names that stand twice.
@@ -57,9 +61,7 @@ void check_names(const std::string& section, const JsonNode* object, FindingList
     const auto same = [at](const JsonNode& other) { return other.name == at->name; };
     const std::string path = join_path(section, at->name);
     if (!is_known(section, at->name)) {
-      const std::string meant = guess(section, at->name);
-      found.warning(at->name_begin, path,
-                    "unknown key" + (meant.empty() ? "" : ", did you mean " + meant + "?"),
+      found.warning(at->name_begin, path, "unknown key" + guess(section, at->name),
                     "it is ignored");
     }
     if (std::any_of(at + 1, members.end(), same)) {

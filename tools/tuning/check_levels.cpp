@@ -31,6 +31,8 @@ class LevelCheck {
     check_pair("interleaving_tuning.cs_lower_thresh_table",
                "interleaving_tuning.cs_upper_thresh_table",
                "cs_upper_thresh wins: saturation no longer counts");
+    check_pair("interleaving_tuning.d_Y_lower_thresh_table",
+               "interleaving_tuning.d_Y_upper_thresh_table", "luma never changes");
     check_pair("MFD_UV_tuning.CSatThr2Table", "MFD_UV_tuning.CSatThr1Table",
                "there is no ramp: colours break at CSatThr1");
     check_switched_off();
@@ -137,7 +139,11 @@ class LevelCheck {
     const std::string name = key(upper).key.name;
     const char* at = view_.has(key(lower)) ? lower : upper;
     warn_at_levels(
-        at, [&](size_t i) { return number(lower, i) > number(upper, i); },
+        at,
+        [&](size_t i) {
+          const bool told = number(upper, i) == 0 && !key(upper).is_real();  // 0 switches off
+          return !told && number(lower, i) > number(upper, i);
+        },
         [&](size_t i) {
           return at == lower ? shown(lower, i) + " is above " + shown(upper, i) + " of " + name
                              : shown(upper, i) + " is below " + shown(lower, i) + " of " +
@@ -213,13 +219,15 @@ class LevelCheck {
     for (int32_t i = 0; i <= tuning.val_delta_th; ++i) {
       const int32_t weight = polynomial_weight(tuning, i);
       const bool is_last = i == tuning.val_delta_th;
-      if (weight >= 0 && weight <= 255 && !(too_far && is_last)) continue;
+      const bool all_nothing = i == 0 && weight == 0;  // smooth planes come out black
+      if (weight >= 0 && weight <= 255 && !all_nothing && !(too_far && is_last)) continue;
       const char* at = view_.has(key(kWeightReach)) ? kWeightReach : kWeights;
       found_.warning(view_.begin(key(at), 0), key(at).path(),
                      "differences of " + std::to_string(i) + " weigh " + std::to_string(weight) +
                          (too_far ? " with the built-in polynomial, which is made for " +
                                         std::to_string(static_cast<int32_t>(fits))
-                                  : ", outside 0 to 255"),
+                          : all_nothing ? ""
+                                        : ", outside 0 to 255"),
                      "the bilateral filter takes wrong means");
       return;
     }

@@ -62,11 +62,6 @@ class ValueCheck {
   bool check_one(const KnownKey& known, size_t index) {
     const Located value = view_.value(known, index);
     const std::string path = value_path(known, index);
-    if (known.for_command) {
-      if (json_is_number(value.json)) return true;
-      found_.error(value.begin(), path, is_of_kind(value.json, "a number"), "the table is ignored");
-      return false;
-    }
     return known.is_real() ? check_real(value, path) : check_integer(known, value, path);
   }
 
@@ -161,7 +156,8 @@ class ValueCheck {
       found_.warning(
           view_.value(first).begin(), first.path(),
           "has " + std::to_string(length) + " of " + std::to_string(needed) + " values" + more,
-          for_command ? "the table is ignored" : "the others keep their built-in values");
+          for_command ? "noisier frames get the last level that has one"
+                      : "the others keep their built-in values");
     }
   }
 

@@ -11,7 +11,7 @@ constexpr double kLeastInt = std::numeric_limits<int32_t>::min();
 constexpr double kMostInt = std::numeric_limits<int32_t>::max();
 // From 1800 on a threshold times the fixed factor in front of it exceeds half precision.
 constexpr double kMostThreshold = 1799;
-// Grey keeps its value up to here; at 800 all of it has lost a whole step.
+// Up to 400 grey keeps its value; here it has lost one step.
 constexpr double kMostLowThreshold = 640;
 
 constexpr char kGoesWrong[] = "the weighted means overflow: wrong colours and brightness";
@@ -82,7 +82,7 @@ constexpr KeyNote kNotes[] = {
      -4, 4, "the corners lose their colour", "the corners lose their colour", false, false},
     {"MFD_UV_tuning.denoiseThrChroma0Table", "noise power",
      "Strength against coloured blotches from about 16 pixels on. Twice the noise amplitude needs "
-     "four times the threshold. Also acts on the mean colour.",
+     "four times the threshold. Also acts on the mean colour: better not above 400.",
      0, kMostLowThreshold, "it counts as its magnitude",
      "grey and every other colour shift towards green; from 1800 on the picture is plain green",
      true, true},
@@ -116,7 +116,7 @@ constexpr KeyNote kNotes[] = {
     {kChromaNoise, "estimate of vorel measure",
      "The chroma noise that frames of each level show, ascending, one value for each level. The "
      "library ignores it; 'vorel denoise --noise-index auto' finds a frame's noise index by it.",
-     0, kMostInt, "no frame has such a noise", "", false, true},
+     0.01, 128, "the table is ignored", "no frame has such a noise", false, true},
 };
 
 }  // namespace

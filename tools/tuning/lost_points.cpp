@@ -11,7 +11,7 @@ LostPoints find_lost_points(const TuningView& view) {
   LostPoints lost;
   bool kept = false;
   for (const KnownKey& known : known_keys()) {
-    if (!known.is_real() || known.for_command) continue;
+    if (!known.is_real()) continue;
     const size_t length = json_array_size(view.value(known).json);
     for (size_t i = 0; i < std::min(length, static_cast<size_t>(known.key.count)); ++i) {
       const Located value = view.value(known, i);

@@ -12,8 +12,9 @@ namespace {
 
 constexpr char kAbout[] =
     "Tuning of the colour noise removal for one camera sensor: an array of objects, of which the "
-    "last one counts. What a schema cannot say: numbers of MFD_UV_tuning's tables need a decimal "
-    "point (45 reads as 0.0) and all other numbers must not have one (8.0 reads as 0); "
+    "last one counts. What a schema cannot say: numbers of MFD_UV_tuning's tables and of "
+    "chromaNoise_values need a decimal point (45 reads as 0.0) and all other numbers must not have "
+    "one (8.0 reads as 0); "
     "noiseIndex_values ascend; a table has as many values as there are levels. 'vorel check' finds "
     "all of it.";
 
@@ -42,8 +43,7 @@ std::string hover_text(const KnownKey& known) {
     text += " Range: " + number_text(known, known.note.least) + " to " +
             number_text(known, known.note.most) + ".";
   }
-  if (known.for_command) return text;
-  text += " Built in: " + built_in_text(known) + ".";
+  if (!known.for_command) text += " Built in: " + built_in_text(known) + ".";
   if (known.is_real()) text += " Write a decimal point: 45 reads as 0.0.";
   return text;
 }

@@ -31,9 +31,8 @@ TuningText::TuningText(const std::string& text) : places_(find_places(text)) {
 }
 
 Located TuningText::used() const {
-  const size_t count = json_array_size(root_.get());
-  if (count == 0 || first_non_object(root_.get()) < count) return {};
-  return {used_object(root_.get()), element(root(), count - 1).node};
+  if (first_non_object(root_.get()) < json_array_size(root_.get())) return {};
+  return element(root(), used_position(root_.get()));
 }
 
 }  // namespace tool

@@ -7,8 +7,8 @@
 #include "tests/support/source_path.h"
 #include "tests/tools/run_command.h"
 #include "tools/files/failure.h"
-#include "tools/tuning/edit.h"
 #include "tools/tuning/check.h"
+#include "tools/tuning/edit.h"
 
 namespace {
 
