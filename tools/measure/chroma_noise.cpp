@@ -21,8 +21,14 @@ constexpr double kMiddle = 0.5;
 // is known (docs/noise-index.md).
 constexpr double kImpurityPower = 1.75;
 
+// What fine noise alone can bring about: a little more than the first level of the sample tuning.
+constexpr double kFineShare = 0.35;
+constexpr double kFineMost = 0.145;
+
 // Reported are the first ones; means of 8 x 8 samples serve the estimate too.
 constexpr int kScales = kNoiseScales + 1;
+// Single samples have no say in it: JPEG files leave little of their noise.
+constexpr int kFirstEstimatingScale = 1;
 
 struct Plane {
   const uint8_t* samples;
@@ -108,14 +114,17 @@ Moments moments_of(const uint16_t* first, const uint16_t* second, int side, int 
 }
 
 template <int Side>
-BlockMoments block_moments(const Plane& first, const Plane& second, int x0, int y0) {
+BlockMoments block_moments(const Plane& first, const Plane& second, int x0, int y0,
+                           int first_scale) {
   Block<Side> a(first, x0, y0);
   Block<Side> b(second, x0, y0);
-  BlockMoments moments;
+  BlockMoments moments{};
   int side = Side;
   int samples_in_sum = 1;
-  for (Moments& scale : moments) {
-    scale = moments_of(a.sums, b.sums, side, samples_in_sum);
+  for (int scale = 0; scale < kScales; ++scale) {
+    if (scale >= first_scale) {
+      moments[static_cast<size_t>(scale)] = moments_of(a.sums, b.sums, side, samples_in_sum);
+    }
     a.halve(side);
     b.halve(side);
     side /= 2;
@@ -124,16 +133,17 @@ BlockMoments block_moments(const Plane& first, const Plane& second, int x0, int 
   return moments;
 }
 
-// Of the usable blocks; `Side` samples of the planes cover a block's side.
+// Of the usable blocks; `Side` samples of the planes cover a block's side. Scales before the first
+// one stay 0.
 template <int Side>
 std::vector<BlockMoments> all_moments(const FrameView& frame, const Plane& first,
-                                      const Plane& second) {
+                                      const Plane& second, int first_scale) {
   std::vector<BlockMoments> blocks;
   for (int y = 0; y + kBlock <= frame.height; y += kBlock) {
     for (int x = 0; x + kBlock <= frame.width; x += kBlock) {
       if (!is_usable(frame, x, y)) continue;
-      blocks.push_back(
-          block_moments<Side>(first, second, x / (kBlock / Side), y / (kBlock / Side)));
+      blocks.push_back(block_moments<Side>(first, second, x / (kBlock / Side), y / (kBlock / Side),
+                                           first_scale));
     }
   }
   return blocks;
@@ -189,30 +199,50 @@ double purity(const std::vector<BlockMoments>& blocks, int scale) {
          quantile_of(blocks, scale, kQuiet, own_share);
 }
 
+double quiet_noise_of(const std::vector<BlockMoments>& blocks, int scale) {
+  return quantile_of(blocks, scale, kQuiet, own_deviation);
+}
+
 // Means of 4 x 4 samples say how much noise there is; the scale that looks least like noise says
-// how far that is to be believed. Single samples have no say: JPEG files leave little of theirs.
+// how far that is to be believed. But where coarse texture hides it, plain noise of 2 x 2 means
+// still vouches for the weakest denoising.
 double estimate_from(const std::vector<BlockMoments>& blocks) {
-  double least = 1;
-  for (int scale = 1; scale < kScales; ++scale) least = std::min(least, purity(blocks, scale));
-  return quantile_of(blocks, kNoiseScales - 1, kQuiet, own_deviation) *
-         std::pow(least, kImpurityPower);
+  const double fine_purity = purity(blocks, kFirstEstimatingScale);
+  double least = fine_purity;
+  for (int scale = kFirstEstimatingScale + 1; scale < kScales; ++scale) {
+    least = std::min(least, purity(blocks, scale));
+  }
+  const double fine =
+      quiet_noise_of(blocks, kFirstEstimatingScale) * std::pow(fine_purity, kImpurityPower);
+  return std::max(quiet_noise_of(blocks, kNoiseScales - 1) * std::pow(least, kImpurityPower),
+                  std::min(fine * kFineShare, kFineMost));
+}
+
+std::vector<BlockMoments> chroma_moments(const FrameView& frame, int first_scale) {
+  const Plane first{frame.chroma, frame.chroma_stride, 2};
+  const Plane second{frame.chroma + 1, frame.chroma_stride, 2};
+  return all_moments<kBlock / 2>(frame, first, second, first_scale);
 }
 
 }  // namespace
 
 std::optional<ChromaNoise> measure_chroma_noise(const FrameView& frame) {
-  const Plane first{frame.chroma, frame.chroma_stride, 2};
-  const Plane second{frame.chroma + 1, frame.chroma_stride, 2};
-  const std::vector<BlockMoments> blocks = all_moments<kBlock / 2>(frame, first, second);
+  const std::vector<BlockMoments> blocks = chroma_moments(frame, 0);
   if (blocks.size() < kLeastNoiseBlocks) return std::nullopt;
   return ChromaNoise{quiet_noise(blocks, [](const Moments& m) { return m.first; }),
                      quiet_noise(blocks, [](const Moments& m) { return m.second; }),
                      estimate_from(blocks)};
 }
 
+std::optional<double> estimate_chroma_noise(const FrameView& frame) {
+  const std::vector<BlockMoments> blocks = chroma_moments(frame, kFirstEstimatingScale);
+  if (blocks.size() < kLeastNoiseBlocks) return std::nullopt;
+  return estimate_from(blocks);
+}
+
 std::optional<NoiseByScale> measure_luma_noise(const FrameView& frame) {
   const Plane luma{frame.luma, frame.luma_stride, 1};
-  const std::vector<BlockMoments> blocks = all_moments<kBlock>(frame, luma, luma);
+  const std::vector<BlockMoments> blocks = all_moments<kBlock>(frame, luma, luma, 0);
   if (blocks.size() < kLeastNoiseBlocks) return std::nullopt;
   return quiet_noise(blocks, [](const Moments& m) { return m.first; });
 }

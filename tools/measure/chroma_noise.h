@@ -45,6 +45,8 @@ inline constexpr int kLeastNoiseBlocks = 8;
 
 // Nothing when the frame has too few usable blocks.
 [[nodiscard]] std::optional<ChromaNoise> measure_chroma_noise(const FrameView& frame);
+// The estimate alone, in half the time.
+[[nodiscard]] std::optional<double> estimate_chroma_noise(const FrameView& frame);
 [[nodiscard]] std::optional<NoiseByScale> measure_luma_noise(const FrameView& frame);
 
 }  // namespace tool

@@ -12,7 +12,7 @@ constexpr double kSmoothing = 1.0 / 8;
 }  // namespace
 
 NoiseCalibration sample_calibration() {
-  return {{100, 0.10}, {200, 0.20},  {400, 0.32},  {800, 0.45},  {1600, 0.67},   {3200, 1.1},
+  return {{100, 0.14}, {200, 0.22},  {400, 0.32},  {800, 0.45},  {1600, 0.67},   {3200, 1.1},
           {6400, 1.8}, {12800, 2.9}, {25600, 4.7}, {51200, 7.6}, {102400, 12.3}, {204800, 20.0}};
 }
 
@@ -34,8 +34,8 @@ int noise_index_for(double chroma_noise, const NoiseCalibration& calibration) {
 }
 
 std::optional<int> NoiseIndexTracker::next(const FrameView& frame) {
-  if (const std::optional<ChromaNoise> noise = measure_chroma_noise(frame)) {
-    const double level = std::log(std::max(noise->estimate, kLeastNoise));
+  if (const std::optional<double> noise = estimate_chroma_noise(frame)) {
+    const double level = std::log(std::max(*noise, kLeastNoise));
     level_ = level_ ? *level_ + kSmoothing * (level - *level_) : level;
   }
   if (!level_) return std::nullopt;

@@ -133,6 +133,7 @@ TEST(ChromaNoise, ReadsStridesAndEitherOrderAndNothingElse) {
   EXPECT_EQ(measured->first, expected->second);
   EXPECT_EQ(measured->second, expected->first);
   EXPECT_EQ(measured->estimate, expected->estimate);
+  EXPECT_EQ(tool::estimate_chroma_noise(view_of(frame)), expected->estimate);
 }
 
 TEST(NoiseIndex, IsInterpolatedByLogarithms) {
