@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "tools/files/utf8.h"
+
 namespace tool {
 namespace {
 
@@ -10,14 +12,9 @@ namespace {
 // below U+00A0 are control characters.
 size_t shown_bytes(const std::string& text, size_t pos) {
   const auto byte = [&](size_t i) { return static_cast<uint8_t>(text[i]); };
-  const uint8_t lead = byte(pos);
-  if (lead < 0x80) return lead >= 0x20 && lead != 0x7F ? 1 : 0;
-  const size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-  if (lead < 0xC2 || lead > 0xF4 || pos + length > text.size()) return 0;
-  for (size_t i = pos + 1; i < pos + length; ++i) {
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-  }
-  return lead == 0xC2 && byte(pos + 1) < 0xA0 ? 0 : length;
+  const size_t length = utf8_length(text, pos);
+  if (length == 1) return byte(pos) >= 0x20 && byte(pos) != 0x7F ? 1 : 0;
+  return length == 2 && byte(pos) == 0xC2 && byte(pos + 1) < 0xA0 ? 0 : length;
 }
 
 std::string escaped(char c) {

@@ -7,6 +7,7 @@
 #include "tools/files/atomic_file.h"
 #include "tools/files/failure.h"
 #include "tools/files/file_bytes.h"
+#include "tools/files/printable.h"
 #include "tools/tuning/check.h"
 #include "tools/tuning/json.h"
 #include "tools/tuning/lost_points.h"
@@ -66,48 +67,51 @@ std::string back_up(const std::string& path) {
 void fix(CheckedFile& file, std::string& text) {
   const FixedText fixed = write_points(text);
   if (fixed.points == 0) return;
-  file.backup = back_up(file.path);
   AtomicFile output(file.path);
   output.write(fixed.text);
+  file.backup = back_up(file.path);
   output.commit();
   file.points = fixed.points;
   text = fixed.text;
 }
 
+void print_line(const std::string& line) { std::printf("%s\n", printable(line).c_str()); }
+
 void print_text(const CheckedFile& file) {
   if (file.points > 0) {
-    std::printf("%s: %s written; the file as it was is %s\n", file.path.c_str(),
-                count_text(file.points, "decimal point").c_str(), file.backup.c_str());
+    print_line(file.path + ": " + count_text(file.points, "decimal point") +
+               " written; the file as it was is " + file.backup);
   }
   for (const Finding& finding : file.findings) {
-    std::printf("%s: %s: %s\n", finding.where(file.path).c_str(),
-                finding.is_error ? "error" : "warning", finding.text().c_str());
+    print_line(finding.where(file.path) + (finding.is_error ? ": error: " : ": warning: ") +
+               finding.text());
   }
   if (!file.failure.empty()) {
-    std::printf("%s: error: %s\n", file.path.c_str(), file.failure.c_str());
+    print_line(file.path + ": error: " + file.failure);
   } else if (file.findings.empty()) {
-    std::printf("%s: ok\n", file.path.c_str());
+    print_line(file.path + ": ok");
   }
 }
 
 json_t* json_of(const Finding& finding) {
-  return json_pack("{s:s, s:I, s:I, s:s, s:s, s:s}", "severity",
-                   finding.is_error ? "error" : "warning", "line",
-                   static_cast<json_int_t>(finding.place.line), "column",
-                   static_cast<json_int_t>(finding.place.column), "key", finding.path.c_str(),
-                   "what", finding.what.c_str(), "consequence", finding.consequence.c_str());
+  return json_pack(
+      "{s:s, s:I, s:I, s:s, s:s, s:s}", "severity", finding.is_error ? "error" : "warning", "line",
+      static_cast<json_int_t>(finding.place.line), "column",
+      static_cast<json_int_t>(finding.place.column), "key", printable(finding.path).c_str(), "what",
+      printable(finding.what).c_str(), "consequence", printable(finding.consequence).c_str());
 }
 
 json_t* json_of(const CheckedFile& file) {
   json_t* findings = json_array();
   for (const Finding& finding : file.findings) json_array_append_new(findings, json_of(finding));
-  json_t* object = json_pack("{s:s, s:o}", "file", file.path.c_str(), "findings", findings);
+  json_t* object =
+      json_pack("{s:s, s:o}", "file", printable(file.path).c_str(), "findings", findings);
   if (!file.failure.empty()) {
-    json_object_set_new(object, "failure", json_string(file.failure.c_str()));
+    json_object_set_new(object, "failure", json_string(printable(file.failure).c_str()));
   }
   if (file.points > 0) {
     json_object_set_new(object, "points_written", json_integer(static_cast<int>(file.points)));
-    json_object_set_new(object, "backup", json_string(file.backup.c_str()));
+    json_object_set_new(object, "backup", json_string(printable(file.backup).c_str()));
   }
   return object;
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/files/atomic_file.h"
+#include "tools/files/printable.h"
 #include "tools/tuning/curves.h"
 #include "tools/tuning/frame_values.h"
 #include "tools/tuning/json.h"
@@ -56,9 +57,10 @@ class Show {
       : choice_(choice), options_(options), loaded_(choice.text) {}
 
   void print_text() const {
-    std::printf(
-        "tuning       %s%s\n", choice_.description.c_str(),
-        loaded_.date().empty() || choice_.is_built_in ? "" : (", dated " + loaded_.date()).c_str());
+    std::printf("tuning       %s%s\n", printable(choice_.description).c_str(),
+                loaded_.date().empty() || choice_.is_built_in
+                    ? ""
+                    : (", dated " + printable(loaded_.date())).c_str());
     std::printf("sensor       %u, %s\n", options_.tuning.sensor, phone_text().c_str());
     const int gate = loaded_.tuning().enableNoiseIndex;
     std::printf("gate         frames below noise index %d are left as they are\n", gate);
@@ -77,11 +79,12 @@ class Show {
   void print_json() const {
     json_t* values = json_array();
     for (const KnownKey* known : shown_keys()) json_array_append_new(values, json_of(*known));
-    json_t* report = json_pack(
-        "{s:s, s:s, s:i, s:s, s:i, s:o, s:o}", "tuning", choice_.description.c_str(), "date",
-        loaded_.date().c_str(), "sensor", static_cast<int>(options_.tuning.sensor), "model",
-        choice_.model.c_str(), "gate", loaded_.tuning().enableNoiseIndex, "unreachable_levels",
-        json_levels(loaded_.unreachable()), "values", values);
+    json_t* report =
+        json_pack("{s:s, s:s, s:i, s:s, s:i, s:o, s:o}", "tuning",
+                  printable(choice_.description).c_str(), "date", printable(loaded_.date()).c_str(),
+                  "sensor", static_cast<int>(options_.tuning.sensor), "model",
+                  choice_.model.c_str(), "gate", loaded_.tuning().enableNoiseIndex,
+                  "unreachable_levels", json_levels(loaded_.unreachable()), "values", values);
     if (options_.noise_index) {
       json_object_set_new(report, "noise_index", json_integer(*options_.noise_index));
       json_object_set_new(report, "processed", json_boolean(is_processed(*options_.noise_index)));
@@ -92,7 +95,7 @@ class Show {
 
   void plot(const std::string& path) const {
     AtomicFile file(path);
-    file.write(curves_svg(loaded_, choice_.description));
+    file.write(curves_svg(loaded_, printable(choice_.description)));
     file.commit();
   }
 
