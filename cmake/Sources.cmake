@@ -65,15 +65,26 @@ set(VOREL_CONVERT_SOURCES
   convert/restore_rows.cpp
   convert/upsample.cpp)
 set(VOREL_WAVELET_SOURCES
-  wavelet/border_handler.cpp
-  wavelet/chroma_post_process.cpp
-  wavelet/config.cpp
-  wavelet/denoise.cpp
-  wavelet/haar_forward.cpp
-  wavelet/haar_inverse.cpp
+  wavelet/border.cpp
+  wavelet/border_doors.cpp
+  wavelet/chroma_band.cpp
+  wavelet/chroma_doors.cpp
+  wavelet/chroma_process.cpp
+  wavelet/chroma_setup.cpp
+  wavelet/config_doors.cpp
+  wavelet/denoise_doors.cpp
+  wavelet/haar_doors.cpp
+  wavelet/haar_filters.cpp
+  wavelet/haar_planes.cpp
+  wavelet/haar_walk.cpp
+  wavelet/pass_times.cpp
   wavelet/plane_storage.cpp
-  wavelet/sym4_transform.cpp
-  wavelet/sym4_walk.cpp
+  wavelet/saturation.cpp
+  wavelet/shrinkage.cpp
+  wavelet/sym4_doors.cpp
+  wavelet/sym4_forward.cpp
+  wavelet/sym4_inverse.cpp
+  wavelet/sym4_planes.cpp
   wavelet/kernels/border_rows.cpp
   wavelet/kernels/haar_rows.cpp
   wavelet/kernels/saturation_rows.cpp

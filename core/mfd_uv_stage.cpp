@@ -1,9 +1,12 @@
+#include <algorithm>
+
 #include "core/handle.h"
 #include "core/stages.h"
+#include "platform/cpu.h"
 #include "platform/log.h"
 #include "platform/plane_dump.h"
 #include "platform/stage_timer.h"
-#include "vorel/wavelet/chroma_post_process.h"
+#include "wavelet/chroma_process.h"
 
 namespace {
 
@@ -11,10 +14,7 @@ namespace {
 struct mfd_uv_parameters {
   _Float16 thresholds[5];
   _Float16 radial_mode;
-  _Float16 sat_param_1;
-  _Float16 sat_param_2;
-  _Float16 sat_thr_1;
-  _Float16 sat_thr_2;
+  saturation_curve curve;
 };
 
 mfd_uv_parameters round_parameters(const struct mfd_uv_tuning& tuning) {
@@ -23,10 +23,9 @@ mfd_uv_parameters round_parameters(const struct mfd_uv_tuning& tuning) {
     rounded.thresholds[i] = static_cast<_Float16>(tuning.denoiseThrChroma[i]);
   }
   rounded.radial_mode = static_cast<_Float16>(tuning.radialMode);
-  rounded.sat_param_1 = static_cast<_Float16>(tuning.CSatParam1);
-  rounded.sat_param_2 = static_cast<_Float16>(tuning.CSatParam2);
-  rounded.sat_thr_1 = static_cast<_Float16>(tuning.CSatThr1);
-  rounded.sat_thr_2 = static_cast<_Float16>(tuning.CSatThr2);
+  rounded.curve = {static_cast<_Float16>(tuning.CSatParam1),
+                   static_cast<_Float16>(tuning.CSatParam2), static_cast<_Float16>(tuning.CSatThr1),
+                   static_cast<_Float16>(tuning.CSatThr2)};
   return rounded;
 }
 
@@ -37,9 +36,9 @@ void log_parameters(const vorel_thread* run, const mfd_uv_parameters& p) {
       run->width, run->height, static_cast<double>(p.radial_mode),
       static_cast<double>(p.thresholds[0]), static_cast<double>(p.thresholds[1]),
       static_cast<double>(p.thresholds[2]), static_cast<double>(p.thresholds[3]),
-      static_cast<double>(p.thresholds[4]), static_cast<double>(p.sat_param_1),
-      static_cast<double>(p.sat_param_2), static_cast<double>(p.sat_thr_1),
-      static_cast<double>(p.sat_thr_2));
+      static_cast<double>(p.thresholds[4]), static_cast<double>(p.curve.param1),
+      static_cast<double>(p.curve.param2), static_cast<double>(p.curve.thr1),
+      static_cast<double>(p.curve.thr2));
 }
 
 // A plane of `rows` x `cols` elements, described for the post-process.
@@ -66,7 +65,7 @@ void dump_chroma(const vorel_thread* run, const char* prefix, const uint8_t* chr
 }
 
 // Returns false when memory was short; the frame then keeps its chroma.
-bool process_chroma(vorel_thread* run, ChromaPostProcess* process) {
+bool process_chroma(vorel_thread* run, chroma_process* process) {
   buffer input[2];
   if (run->tuning->enable == 0 || !restores_to_half_planes(run->tuning)) {
     input[0] = describe_frame_chroma(run, run->in_address_2);
@@ -76,7 +75,7 @@ bool process_chroma(vorel_thread* run, ChromaPostProcess* process) {
     input[1] = describe_plane(run->mfd_v, run->mfd_height, run->mfd_width, VOREL_PLANE_SECOND);
   }
   buffer output = describe_frame_chroma(run, run->out_address_2);
-  const bool ran = process->chromaPostProcess(input, &output) == 0;
+  const bool ran = run_chroma(process, input, &output) == 0;
   dump_chroma(run, "MFD_UV_", run->out_address_2);
   return ran;
 }
@@ -85,7 +84,7 @@ bool process_chroma(vorel_thread* run, ChromaPostProcess* process) {
 
 int MFD_UV(vorel_thread* run) {
   const StageTimer timer(run->debug_mode);
-  mfd_uv_parameters p = round_parameters(run->tuning->mfd_uv_tuning);
+  const mfd_uv_parameters p = round_parameters(run->tuning->mfd_uv_tuning);
   log_parameters(run, p);
   if (run->mfd_u == nullptr || run->mfd_v == nullptr) {
     VOREL_LOGE("MFD_UV, skipped: no half-precision planes");
@@ -105,15 +104,14 @@ int MFD_UV(vorel_thread* run) {
       describe_plane(run->y_low, run->aligned_height, run->width, 0),
       describe_plane(run->y_high, run->aligned_height, run->width, 0),
   };
-  ChromaPostProcess process;
+  chroma_process process;
   const bool ready =
-      process.setup(run->width, run->height, p.thresholds, p.radial_mode, p.sat_param_1,
-                    p.sat_param_2, p.sat_thr_1, p.sat_thr_2, run->debug_mode,
-                    const_cast<char*>(run->dump_path), pool, nullptr, nullptr, borrow);
+      set_up_chroma(&process, {run->width, run->height, p.thresholds, p.radial_mode, p.curve, *run,
+                               pool, std::min(run->pool->worker_count, usable_cpus()), borrow});
   if (!ready || !process_chroma(run, &process)) {
     run->report.skip(VOREL_STAGE_MFD_UV, true);
   }
-  process.deallocate();
+  release_chroma(&process);
   timer.log("MFD_UV");
   return 0;
 }

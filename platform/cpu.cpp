@@ -4,6 +4,8 @@
 #include <sys/auxv.h>
 #endif
 
+#include <sched.h>
+
 #include <cstring>
 
 const char* missing_cpu_feature() {
@@ -25,3 +27,11 @@ const char* missing_cpu_feature() {
 }
 
 bool cpu_runs_kernels() { return std::strcmp(missing_cpu_feature(), "none") == 0; }
+
+int usable_cpus() {
+  cpu_set_t set;
+  CPU_ZERO(&set);
+  if (sched_getaffinity(0, sizeof(set), &set) != 0) return 1;
+  const int count = CPU_COUNT(&set);
+  return count > 0 ? count : 1;
+}

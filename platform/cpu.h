@@ -10,4 +10,7 @@
 // The missing feature's name for the log line; "none" when all are there.
 [[nodiscard]] const char* missing_cpu_feature();
 
+// Processors that the calling thread may run on; at least 1.
+[[nodiscard]] int usable_cpus();
+
 #endif  // VOREL_PLATFORM_CPU_H_

@@ -4,10 +4,16 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <list>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "tests/support/log_capture.h"
+#include "vorel/wavelet/border_handler.h"
+#include "vorel/wavelet/denoise.h"
+#include "vorel/wavelet/sym4_transform.h"
+#include "wavelet/chroma_band.h"
 
 namespace {
 
@@ -70,13 +76,13 @@ buffer describe_pairs(std::vector<uint8_t>* chroma, int width, int height) {
 }
 
 std::vector<uint8_t> run_stage(int width, int height, Fill fill, Parameters p = {},
-                               ThreadPool* pool = nullptr) {
+                               ThreadPool* pool = nullptr, int debug = 0) {
   std::vector<uint8_t> chroma = make_chroma(width, height);
   LentPlanes lent(width, height, fill);
   buffer pairs = describe_pairs(&chroma, width, height);
   ChromaPostProcess process;
   EXPECT_TRUE(process.setup(width, height, p.thresholds, p.radial_mode, p.sat_param_1,
-                            p.sat_param_2, 65, 40, 0, nullptr, pool, nullptr, nullptr,
+                            p.sat_param_2, 65, 40, debug, nullptr, pool, nullptr, nullptr,
                             lent.records));
   EXPECT_EQ(process.chromaPostProcess(&pairs, &pairs), 0);
   process.deallocate();
@@ -133,12 +139,114 @@ TEST_F(ChromaPostProcessTest, ExtremeChromaStaysFinite) {
   }
 }
 
+// A bordered plane, its subbands and what the exported passes make of it.
+class PassedPlane {
+ public:
+  PassedPlane(int width, int height) : cols_(padded(width)), rows_(padded(height)) {
+    io = make(cols_, rows_);
+    io.padX = io.padY = 32;
+    io.innerWidth = static_cast<uint32_t>(width / 2);
+    io.innerHeight = static_cast<uint32_t>(height / 2);
+    for (int i = 0; i < 7; ++i) {
+      const uint32_t part = i < 4 ? 4 : 2;
+      subbands_[i] = make(cols_ / 2 * 2 / part, i < 4 ? (rows_ / 2 + 1) / 2 : rows_ / 2);
+    }
+  }
+
+  void denoise(const Parameters& p, _Float16 A, _Float16 B) {
+    Sym4Transform transform;
+    ASSERT_TRUE(transform.setup(static_cast<int>(cols_), static_cast<int>(rows_),
+                                static_cast<int>(cols_ / 2), static_cast<int>(rows_ / 2), 0,
+                                nullptr, nullptr, nullptr));
+    const int source[] = {0, 1, 1, 2, 3, 3, 4};
+    _Float16 thresholds[7];
+    for (int i = 0; i < 7; ++i) {
+      thresholds[i] = p.thresholds[source[i]] * static_cast<_Float16>(36.40625f);
+    }
+    transform.forwardWtRun(&io, subbands_, cols_, rows_, 1, nullptr);
+    Denoise().denoiseChroma1And2HaarRun(subbands_, nullptr, thresholds, A, B, nullptr);
+    transform.inverseWtDifferentSband0Run(subbands_, subbands_, &io, cols_, rows_, 1);
+    transform.deallocate();
+  }
+
+  buffer io{};
+
+ private:
+  static uint32_t padded(int size) { return static_cast<uint32_t>(size / 2 + 65) & ~1u; }
+  buffer make(uint32_t cols, uint32_t rows) {
+    storage_.emplace_back(size_t{cols} * rows, _Float16{0});
+    return {storage_.back().data(), rows, cols, 0, 0, 0, 0, 0, true};
+  }
+
+  uint32_t cols_;
+  uint32_t rows_;
+  std::list<std::vector<_Float16>> storage_;
+  buffer subbands_[7];
+};
+
+// Bands of rows, in any order, give what the exported passes give over whole planes.
+TEST_F(ChromaPostProcessTest, BandsEqualThePassesOverWholePlanes) {
+  for (const auto& [width, height] : kSizes) {
+    SCOPED_TRACE(std::to_string(width) + "x" + std::to_string(height));
+    Parameters p;
+    p.thresholds[0] = -40;
+    const saturation_curve curve = {-20, 35, 65, 40};
+    const _Float16 A = 3, B = 5;
+    std::vector<uint8_t> chroma = make_chroma(width, height), expected(chroma.size());
+    buffer pairs = describe_pairs(&chroma, width, height);
+    buffer out = describe_pairs(&expected, width, height);
+    PassedPlane first(width, height), second(width, height);
+    BorderHandler::getInstance()->runCopyAndPad(&pairs, &first.io, &second.io, 0, first.io.height);
+    const buffer sources[2] = {first.io, second.io};
+    std::vector<_Float16> copies[2];
+    buffer planes[2];
+    for (int i = 0; i < 2; ++i) {
+      const auto* samples = static_cast<const _Float16*>(sources[i].data);
+      copies[i].assign(samples, samples + size_t{sources[i].width} * sources[i].height);
+      planes[i] = sources[i];
+      planes[i].data = copies[i].data();
+    }
+    first.denoise(p, A, B);
+    second.denoise(p, A, B);
+    Denoise().applySaturationRegion(&first.io, &second.io, &out, nullptr, curve.param1,
+                                    curve.param2, curve.thr1, curve.thr2, 0, out.height);
+
+    std::vector<uint8_t> bytes(chroma.size(), 77);
+    buffer band_out = describe_pairs(&bytes, width, height);
+    const _Float16 scale = static_cast<_Float16>(36.40625f);
+    const _Float16 thresholds[] = {40 * scale,
+                                   p.thresholds[1] * scale,
+                                   p.thresholds[1] * scale,
+                                   p.thresholds[2] * scale,
+                                   p.thresholds[3] * scale,
+                                   p.thresholds[3] * scale,
+                                   p.thresholds[4] * scale};
+    const chroma_frame frame = {planes, &band_out, {thresholds, thresholds}, {A, B}, curve};
+    for (const int count : {1, 2, 7, height / 2}) {
+      SCOPED_TRACE(count);
+      std::fill(bytes.begin(), bytes.end(), uint8_t{77});
+      for (int band = count - 1; band >= 0 && count <= height / 2; --band) {
+        // What a band finds in its memory is nothing to it.
+        std::vector<uint16_t> memory(chroma_band_samples(frame), kNan);
+        PassTimes times[2];
+        const span rows = {height / 2 * band / count, height / 2 * (band + 1) / count};
+        denoise_chroma_band(frame, rows, memory.data(), times);
+        const size_t written = static_cast<size_t>(rows.end) * static_cast<size_t>(width);
+        ASSERT_TRUE(band + 1 < count || written == bytes.size());
+      }
+      if (count <= height / 2) ASSERT_EQ(bytes, expected);
+    }
+  }
+}
+
 TEST_F(ChromaPostProcessTest, WorkersAndOrderChangeNothing) {
   const std::vector<uint8_t> expected = run_stage(176, 146, Fill::kZero);
   for (int workers : {1, 2, 6}) {
     ThreadPool pool;
     ASSERT_EQ(pool.init(workers, 0xFF, 0), 0);
     EXPECT_EQ(run_stage(176, 146, Fill::kNan, {}, &pool), expected);
+    // With dumps, here into no folder, planes are denoised as a whole.
+    EXPECT_EQ(run_stage(176, 146, Fill::kNan, {}, &pool, 5), expected);
     pool.deinit();
   }
 }

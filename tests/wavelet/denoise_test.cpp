@@ -154,23 +154,18 @@ TEST(DenoiseTest, UndefinedEdgesStayWithinTheBorder) {
   }
 }
 
-// Four working planes and seven bands come from the heap when nothing is lent.
 TEST(DenoiseTest, ALowBandWithoutMemoryIsLeftAlone) {
   const Band source = random_band(12, 9, 4);
-  for (int nth = 1; nth <= 12; ++nth) {
+  for (const int nth : {1, 2}) {
     Band band = source;
     buffer io = band.record();
     Denoise denoise;
     LogCapture log;
-    bool fired = false;
-    {
-      const FaultScope fault(FaultScope::Kind::kAllocation, nth);
-      denoise.haarL2Denoise(&io, nullptr, 3640, 0, 3, nullptr);
-      fired = fault.fired();
-    }
-    EXPECT_EQ(fired, nth <= 11);
-    EXPECT_EQ(log.count("Denoise::haarL2Denoise, alloc is fail"), nth <= 11 ? 1 : 0);
-    EXPECT_EQ(half_bits(band.samples) == half_bits(source.samples), nth <= 11);
+    const FaultScope fault(FaultScope::Kind::kAllocation, nth);
+    denoise.haarL2Denoise(&io, nullptr, 3640, 0, 3, nullptr);
+    EXPECT_EQ(fault.fired(), nth == 1);
+    EXPECT_EQ(log.count("Denoise::haarL2Denoise, alloc is fail"), nth == 1 ? 1 : 0);
+    EXPECT_EQ(half_bits(band.samples) == half_bits(source.samples), nth == 1);
   }
 }
 

@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr half_lane kLevel1Tap = static_cast<half_lane>(0.70703125f);  // 0x39A8
-constexpr half_lane kDirectionalTap = static_cast<half_lane>(0.5f);
+constexpr half_lane kLevel1Tap = static_cast<half_lane>(kHaarLevel1Tap);
+constexpr half_lane kDirectionalTap = static_cast<half_lane>(kHaarDirectionalTap);
 
 template <int kRows, typename Sample>
 void sum_rows(const tapped_row<Sample>* rows, _Float16 start, _Float16 scale,

@@ -2,6 +2,10 @@
 #ifndef VOREL_WAVELET_KERNELS_HAAR_ROWS_H_
 #define VOREL_WAVELET_KERNELS_HAAR_ROWS_H_
 
+// Magnitudes of the level-1 and of the directional taps.
+inline constexpr _Float16 kHaarLevel1Tap = static_cast<_Float16>(0.70703125f);  // 0x39A8
+inline constexpr _Float16 kHaarDirectionalTap = static_cast<_Float16>(0.5f);
+
 // A row of samples and the tap that weighs it. A row shifted by some columns serves a filter along
 // the row, the rows of several heights serve one along the columns.
 template <typename Sample>

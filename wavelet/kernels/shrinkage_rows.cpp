@@ -10,10 +10,7 @@ namespace {
 // holds every subband of frames up to 8000 columns.
 constexpr int kBlockColumns = 2048;
 
-// The scales of the frame path: Symlet subbands, Haar details, Haar low band.
-constexpr _Float16 kFrameScales[] = {static_cast<_Float16>(5.83984375f),  // 0x45D7
-                                     static_cast<_Float16>(11.6796875f),  // 0x49D7
-                                     static_cast<_Float16>(31.359375f)};  // 0x4FD7
+constexpr _Float16 kFrameScales[] = {kSymletScale, kHaarScale, kHaarLowScale};
 
 _Float16 square_of_ratio(int distance, _Float16 unit) {
   const _Float16 ratio = static_cast<_Float16>(distance) / unit;

@@ -36,6 +36,11 @@ struct shrink_gain {
   _Float16 scale;
 };
 
+// The scales of the frame path.
+inline constexpr _Float16 kSymletScale = static_cast<_Float16>(5.83984375f);  // 0x45D7
+inline constexpr _Float16 kHaarScale = static_cast<_Float16>(11.6796875f);    // 0x49D7
+inline constexpr _Float16 kHaarLowScale = static_cast<_Float16>(31.359375f);  // 0x4FD7
+
 [[nodiscard]] shrink_gain make_shrink_gain(_Float16 thr, _Float16 scale);
 
 // Whether dividing by `scale` may be replaced by a multiplication with its single-precision

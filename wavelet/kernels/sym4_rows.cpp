@@ -148,10 +148,10 @@ void sym4_synthesise_rows(const _Float16* const (&low)[kSym4SynthesisRows],
   walk_synthesis(low, high, odd, even, width);
 }
 
-void sym4_synthesise_row(const _Float16* low, const _Float16* high, _Float16* out, int width) {
-  const int end = sym4_synthesis_end(width);
-  for (int first = kSym4First; first < end; first += kChunk) {
-    const int count = std::min(kChunk, end - first);
+void sym4_synthesise_pairs(const _Float16* low, const _Float16* high, _Float16* out, int k_first,
+                           int k_end) {
+  for (int first = k_first; first < k_end; first += kChunk) {
+    const int count = std::min(kChunk, k_end - first);
     alignas(64) _Float16 odd[kChunk];
     alignas(64) _Float16 even[kChunk];
     const _Float16* l = low + (first - 2);

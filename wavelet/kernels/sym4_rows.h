@@ -34,7 +34,13 @@ void sym4_synthesise_rows(const _Float16* const (&low)[kSym4SynthesisRows],
                           const _Float16* const (&high)[kSym4SynthesisRows], _Float16* odd,
                           _Float16* even, int width);
 
-// Horizontal synthesis of `width` low and `width` high samples.
-void sym4_synthesise_row(const _Float16* low, const _Float16* high, _Float16* out, int width);
+// Horizontal synthesis of the outputs 2k - 1 and 2k for k in [k_first, k_end), and of all outputs
+// of `width` low and `width` high samples.
+void sym4_synthesise_pairs(const _Float16* low, const _Float16* high, _Float16* out, int k_first,
+                           int k_end);
+inline void sym4_synthesise_row(const _Float16* low, const _Float16* high, _Float16* out,
+                                int width) {
+  sym4_synthesise_pairs(low, high, out, kSym4First, sym4_synthesis_end(width));
+}
 
 #endif  // VOREL_WAVELET_KERNELS_SYM4_ROWS_H_

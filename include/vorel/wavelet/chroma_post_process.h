@@ -8,14 +8,8 @@
 #include "vorel/thread_pool.h"
 #include "vorel/wavelet/buffer.h"
 #include "vorel/wavelet/config.h"
-#include "vorel/wavelet/denoise.h"
-#include "vorel/wavelet/sym4_transform.h"
 
-/// Columns and rows.
-struct wavelet_size {
-  uint32_t width;
-  uint32_t height;
-};
+struct chroma_process;  // internal
 
 /// Lives for one frame: `setup`, `chromaPostProcess`, `deallocate`.
 class VOREL_EXPORT ChromaPostProcess {
@@ -49,35 +43,8 @@ class VOREL_EXPORT ChromaPostProcess {
   uint32_t getWtRange(unsigned int level, wtSubbandRange which);
 
  private:
-  VOREL_LOCAL void setSizes(int width, int height);
-  VOREL_LOCAL bool reserveStorage(const buffer* borrow);
-  VOREL_LOCAL void fillPadded(buffer* in, buffer* planes);
-  VOREL_LOCAL void dumpPadded(const char* name, const buffer* planes, bool cropped);
-
-  int32_t width_;
-  int32_t height_;
-  wavelet_size uvSize_;
-  wavelet_size uvSizeB_;    // with the border
-  wavelet_size uvL1SizeB_;  // level-1 subbands
-  wavelet_size uvL2SizeB_;  // level-2 subbands
-  Sym4Transform* sym4_;
-  Denoise* denoise_;
+  chroma_process* process_;
   wavelet_config config_;
-  _Float16 thresholds_[2][kThresholds];
-  _Float16 radialA_;
-  _Float16 radialB_;
-  _Float16 CSatParam1_;
-  _Float16 CSatParam2_;
-  _Float16 CSatThr1_;
-  _Float16 CSatThr2_;
-  buffer padded_[2];
-  buffer staging_;
-  buffer subbands_[2][kSubbands];
-  buffer haarScratch_[2];  // per chroma plane
-  buffer sym4Scratch_[2];  // what is left of the borrowed planes
-  int32_t debugLevel_;
-  char* dumpPath_;
-  ThreadPool* pools_[3];
 };
 
 /// Job record of `runCopyAndPadFunc`.

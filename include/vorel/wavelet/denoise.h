@@ -63,9 +63,6 @@ class VOREL_EXPORT Denoise {
 
  private:
   int32_t debug_;
-  uint32_t size_[2];        // chroma columns, rows
-  uint32_t paddedSize_[2];  // with the border
-  char* path_;
   ThreadPool* pool_;
 };
 

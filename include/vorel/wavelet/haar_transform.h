@@ -7,8 +7,6 @@
 #include "vorel/export.h"
 #include "vorel/wavelet/buffer.h"
 
-struct plane_scratch;  // memory that somebody lends; internal
-
 /// Splits a plane into seven subbands of its own size and rebuilds it. `lo`, `hi`, `src` and `out`
 /// are dense planes of `width` columns x `height` rows; inputs and outputs must not overlap.
 /// A tap outside the plane adds nothing. Samples that a kernel does not write keep what they held.
@@ -67,18 +65,11 @@ class VOREL_EXPORT HaarTransform {
   _Float16 taps[kTapCount];
 
  private:
-  friend class Denoise;
-
-  // The same with the working planes taken from `scratch` as far as it reaches.
-  __attribute__((visibility("hidden"))) bool setup(int width, int height, int debug, char* path,
-                                                   plane_scratch* scratch);
-
   buffer lowScratch_;
   buffer highScratch_;
   buffer directional_;
   buffer column_;
   int32_t debug_;
-  char* path_;
 };
 
 #endif  // VOREL_WAVELET_HAAR_TRANSFORM_H_

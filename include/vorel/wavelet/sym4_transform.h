@@ -9,7 +9,14 @@
 #include "vorel/wavelet/buffer.h"
 #include "vorel/wavelet/config.h"
 
-struct sym4_work;  // internal
+struct sym4_run;  // internal
+
+/// Working planes of one level of a `Sym4Transform`.
+struct sym4_level {
+  buffer low;
+  buffer high;
+  buffer intermediate;
+};
 
 /// Decimating analysis and synthesis with eight taps. Nothing is extended at the edges: output
 /// samples whose taps leave the plane are not written and may hold anything; give planes a border.
@@ -66,23 +73,12 @@ class VOREL_EXPORT Sym4Transform {
                                    unsigned int height, unsigned int level);
 
  private:
-  struct plane_group {
-    buffer low;
-    buffer high;
-    buffer intermediate;
-  };
-
-  VOREL_LOCAL sym4_work workOf(unsigned int level) const;
+  VOREL_LOCAL sym4_run runOf(buffer* subbands, unsigned int width, unsigned int height,
+                             unsigned int level) const;
 
   wavelet_config config_;
-  int32_t width_;
-  int32_t height_;
-  int32_t halfWidth_;
-  int32_t quarterHeight_;
   int32_t debug_;
-  char* path_;
-  ThreadPool* pool_;
-  plane_group groups_[3];
+  sym4_level levels_[2];  // 1 and 2
 };
 
 /// Job record of `fwtFunc` and `fwtVertFunc`: one band of rows (output rows for `fwtVertFunc`).
