@@ -59,12 +59,14 @@ void pad_pairs_rows(const buffer& pairs, const buffer& first, const buffer& seco
   }
 }
 
-void pad_pairs(const buffer& pairs, const buffer* planes, uint32_t rows, ThreadPool* pool) {
-  const uint32_t band = rows / kCopyAndPadJobs;
+void pad_pairs(const buffer& pairs, const buffer* planes, uint32_t row_begin, uint32_t row_end,
+               ThreadPool* pool) {
+  const uint32_t band = (row_end - row_begin) / kCopyAndPadJobs;
   pad_pairs_job jobs[kCopyAndPadJobs];
   for (uint32_t i = 0; i < kCopyAndPadJobs; ++i) {
+    const uint32_t first = row_begin + i * band;
     const bool last = i + 1 == kCopyAndPadJobs;  // takes the remainder
-    jobs[i] = {&pairs, planes, i * band, last ? rows : (i + 1) * band};
+    jobs[i] = {&pairs, planes, first, last ? row_end : first + band};
   }
   run_jobs(pool, run_pad_pairs, jobs, kCopyAndPadJobs);
 }

@@ -15,8 +15,9 @@ void pad_plane(const buffer& plane, uint32_t row_begin, uint32_t row_end);
 void pad_pairs_rows(const buffer& pairs, const buffer& first, const buffer& second,
                     uint32_t row_begin, uint32_t row_end);
 
-// All `rows` rows of planes[0..1], as jobs on the pool; on the calling thread without one.
-void pad_pairs(const buffer& pairs, const buffer* planes, uint32_t rows, ThreadPool* pool);
+// The same rows of planes[0..1], as jobs on the pool; on the calling thread without one.
+void pad_pairs(const buffer& pairs, const buffer* planes, uint32_t row_begin, uint32_t row_end,
+               ThreadPool* pool);
 
 // Mean of the 3 x 3 neighbourhood of every sample, the edge repeated outside the plane.
 void mean_3x3_plane(const buffer& in, const buffer& out);

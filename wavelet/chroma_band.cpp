@@ -130,9 +130,9 @@ class BandWalk {
   void run(span rows) {
     const int first = rows.first + static_cast<int>(frame_.planes[0].padY);
     const int end = rows.end + static_cast<int>(frame_.planes[0].padY);
-    start((first + 1) / 2);
+    start({(first + 1) / 2, end / 2 + 1});
     Sym4InverseWalk& inverse = planes_[0].inverse;
-    while (!inverse.done() && 2 * inverse.next_pair() - 1 < end) {
+    while (!inverse.done() && inverse.next_pair() <= end / 2) {
       const int pair = inverse.next_pair();
       while (!inverse.ready()) make_low_row();
       for (PlaneWalks& plane : planes_) plane.inverse.make_pair();
@@ -143,24 +143,24 @@ class BandWalk {
   }
 
  private:
-  // All walks begin where the row pair `pair` needs them to.
-  void start(int pair) {
+  // All walks begin where the first of the row pairs needs them to.
+  void start(span row_pairs) {
     const int first_column = static_cast<int>(frame_.planes[0].padX);
     const int end_column = first_column + static_cast<int>(frame_.planes[0].innerWidth);
     const span pairs = {std::max(kSym4First, (first_column + 1) / 2),
                         std::min(sym4_synthesis_end(sizes_.half_columns), end_column / 2 + 1)};
-    detail_row_ = pair - 2;
+    detail_rows_ = {row_pairs.first - 2, row_pairs.end + 2};
     detail_columns_ = {pairs.first - 2, pairs.end + 2};
     for (PlaneWalks& plane : planes_) {
-      plane.inverse.start(pair, pairs);
+      plane.inverse.start(row_pairs.first, pairs);
       low_row_ = plane.inverse.next_row();
       const int haar_row = std::max(0, low_row_ - kHaarReach);
       plane.haar.start(haar_row);
-      plane.forward.start(haar_row, detail_row_, detail_columns_);
+      plane.forward.start(haar_row, detail_rows_, detail_columns_);
       noise2_.start(haar_row);
     }
     second_row_ = planes_[0].forward.second_level_end();
-    noise1_.start(detail_row_);
+    noise1_.start(detail_rows_.first);
   }
 
   // Makes the next row of the denoised low band and hands it to the inverse walk.
@@ -187,7 +187,9 @@ class BandWalk {
   void advance_forward() {
     const int row1 = planes_[0].forward.first_level_end();
     for (PlaneWalks& plane : planes_) plane.forward.advance();
-    if (row1 >= detail_row_) shrink(span{4, 7}, row1, detail_columns_, noise1_.row(row1));
+    if (row1 >= detail_rows_.first && row1 < detail_rows_.end) {
+      shrink(span{4, 7}, row1, detail_columns_, noise1_.row(row1));
+    }
     for (; second_row_ < planes_[0].forward.second_level_end(); ++second_row_) {
       if (second_row_ < low_row_) continue;
       shrink(span{1, 4}, second_row_, {0, sizes_.quarter_columns}, noise2_.row(second_row_));
@@ -224,8 +226,8 @@ class BandWalk {
   NoiseRows noise2_;
   PlaneWalks planes_[kPlanes];
   span detail_columns_{};
-  int detail_row_ = 0;  // the details' first row that is needed
-  int low_row_ = 0;     // likewise the low band's
+  span detail_rows_{};  // that are needed
+  int low_row_ = 0;     // the low band's first row that is needed
   int second_row_ = 0;  // next row of bands 1 to 3 to be shrunk
 };
 
@@ -244,6 +246,7 @@ size_t chroma_band_samples(const chroma_frame& frame) {
 }
 
 void denoise_chroma_band(const chroma_frame& frame, span rows, void* memory, PassTimes* times) {
+  if (rows.size() < 1) return;
   RowArena arena(memory);
   BandWalk(frame, take_band_rows(&arena, frame), times).run(rows);
 }

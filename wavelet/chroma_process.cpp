@@ -46,18 +46,25 @@ void dump_padded(const chroma_process& process, const char* name, const buffer* 
   }
 }
 
-// Planes with a border come with their samples inside; pairs are copied.
+bool dumps_planes(const chroma_process& process) {
+  return process.stage.debug_mode >= kDebugDumpPlanes;
+}
+
+// Planes with a border come with their samples inside; pairs are copied. The rows above and below
+// are for dumps: bands do not read them.
 void fill_padded(const chroma_process& process, const buffer* in, buffer* planes) {
   const StageTimer timer(process.stage.debug_mode);
-  const uint32_t rows = process.padded.height;
+  const uint32_t first = dumps_planes(process) ? 0 : kPlaneBorder;
+  const uint32_t end =
+      dumps_planes(process) ? process.padded.height : kPlaneBorder + process.inner.height;
   if (in->kind != VOREL_PLANE_PAIRS) {
     for (int i = 0; i < 2; ++i) {
       planes[i].data = in[i].data;
-      pad_plane(planes[i], 0, rows);
+      pad_plane(planes[i], first, end);
     }
     return timer.log("BorderHandler::runPad");
   }
-  pad_pairs(*in, planes, rows, process.pool);
+  pad_pairs(*in, planes, first, end, process.pool);
   timer.log("BorderHandler::runCopyAndPad");
 }
 
@@ -171,7 +178,7 @@ int run_chroma(chroma_process* process, const buffer* in, const buffer* out) {
   if (taken) {
     fill_padded(*process, in, planes);
     dump_padded(*process, "p_", planes, false);
-    if (stage.debug_mode >= kDebugDumpPlanes) {
+    if (dumps_planes(*process)) {
       run_whole_planes(process, planes, *out);
     } else {
       done = run_bands(process, planes, *out);

@@ -2,6 +2,7 @@
 #ifndef VOREL_WAVELET_STAGE_LAYOUT_H_
 #define VOREL_WAVELET_STAGE_LAYOUT_H_
 
+#include <algorithm>
 #include <cstdint>
 
 // Border of the half-precision chroma planes on each side, in samples.
@@ -14,18 +15,15 @@ constexpr uint32_t padded_size(uint32_t inner) { return (inner + 2 * kPlaneBorde
 inline constexpr uint32_t kCopyAndPadJobs = 4;
 inline constexpr uint32_t kSaturationJobs = 4;
 
-// Bands of rows that a frame's planes are denoised in, all steps at once. A band computes about 60
-// rows around its own, at half the price of a row: there are as many bands as run at once, but not
-// so many that most of the work is done twice, and twice as many where that costs little, so that
-// slow processors do not hold up fast ones.
-inline constexpr int kMostChromaBands = 32;
-inline constexpr int kLeastBandRows = 24;
-inline constexpr int kAmpleBandRows = 320;
+// Bands of rows that a frame's planes are denoised in, all steps at once: one for each that runs at
+// once, but not so many that most of the work is done twice. The rows around a band that it
+// computes too cost as much as about 20 rows of its own.
+inline constexpr int kMostChromaBands = 16;
+inline constexpr int kLeastBandRows = 20;
 
 constexpr int chroma_bands(int workers, int rows) {
-  const int most = rows / kLeastBandRows < workers ? rows / kLeastBandRows : workers;
-  const int bands = most < 1 ? 1 : most > kMostChromaBands / 2 ? kMostChromaBands / 2 : most;
-  return bands > 1 && rows / bands / 2 >= kAmpleBandRows ? 2 * bands : bands;
+  const int most = std::min({workers, rows / kLeastBandRows, kMostChromaBands});
+  return std::max(most, 1);
 }
 
 #endif  // VOREL_WAVELET_STAGE_LAYOUT_H_

@@ -23,13 +23,14 @@ Sym4ForwardWalk::Sym4ForwardWalk(const sym4_forward& plane, PassTimes* times)
       times_(times),
       k_(kSym4First),
       row2_(kSym4First),
+      detail_rows_{0, end_},
       detail_columns_{0, half_} {}
 
-void Sym4ForwardWalk::start(int second_row, int detail_row, span detail_columns) {
+void Sym4ForwardWalk::start(int second_row, span detail_rows, span detail_columns) {
   row2_ = std::max(kSym4First, second_row);
   k_ = std::max(kSym4First, 2 * row2_ - 4);
-  first_source_row_ = source_row_ = 2 * k_ - 4;
-  detail_row_ = detail_row;
+  source_row_ = 2 * k_ - 4;
+  detail_rows_ = detail_rows;
   detail_columns_ = detail_columns;
 }
 
@@ -38,7 +39,9 @@ void Sym4ForwardWalk::advance() {
     for (; source_row_ < 2 * k_ + 4; ++source_row_) split_source_row(source_row_);
   });
   times_->run(kForwardLow, [&] { join_low_rows(); });
-  if (k_ >= detail_row_) times_->run(kForwardHigh, [&] { join_high_rows(); });
+  if (k_ >= detail_rows_.first && k_ < detail_rows_.end) {
+    times_->run(kForwardHigh, [&] { join_high_rows(); });
+  }
   // The last row of the second level may reach one row past those that are made.
   const int available = k_ + 1 < end_ ? k_ : k_ + 1;
   for (; row2_ < end2_ && 2 * row2_ + 3 <= available; ++row2_) second_level_row();
@@ -46,15 +49,23 @@ void Sym4ForwardWalk::advance() {
 }
 
 void Sym4ForwardWalk::split_source_row(int row) {
-  const bool repeats = row > plane_.inner.end - 1 || row <= plane_.inner.first;
-  if (repeats && row > first_source_row_) {
+  const int inner_row = std::clamp(row, plane_.inner.first, plane_.inner.end - 1);
+  // Detail row k reads the rows 2k - 4 .. 2k + 3.
+  const bool need_high = row >= 2 * detail_rows_.first - 4 && row < 2 * detail_rows_.end + 2;
+  if (inner_row == last_row_ && (last_has_high_ || !need_high)) {
     const size_t bytes = static_cast<size_t>(half_) * sizeof(_Float16);
     std::memcpy(plane_.low.row(row), plane_.low.row(row - 1), bytes);
     std::memcpy(plane_.high.row(row), plane_.high.row(row - 1), bytes);
     return;
   }
-  sym4_analyse_row(plane_.src + ptrdiff_t{row} * plane_.width, plane_.low.row(row),
-                   plane_.high.row(row), plane_.width);
+  last_row_ = inner_row;
+  last_has_high_ = need_high;
+  const _Float16* src = plane_.src + ptrdiff_t{inner_row} * plane_.width;
+  if (need_high) {
+    sym4_analyse_row(src, plane_.low.row(row), plane_.high.row(row), plane_.width);
+  } else {
+    sym4_analyse_row_low(src, plane_.low.row(row), plane_.width);
+  }
 }
 
 void Sym4ForwardWalk::join_low_rows() {

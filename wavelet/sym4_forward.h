@@ -19,7 +19,7 @@ struct sym4_forward {
   const _Float16* src;  // rows of `width` samples
   int width;
   int height;
-  span inner;          // rows above and below repeat its first and its last row; may be all rows
+  span inner;          // rows above and below repeat its first and its last row and are not read
   bool second_level;   // bands 0..6, else 4..7
   row_store bands[8];  // 0..3 with rows of width / 4 samples, the others with width / 2
   row_store low;       // of the source's rows; kSym4RingRows, as the two below
@@ -32,9 +32,9 @@ class Sym4ForwardWalk {
  public:
   Sym4ForwardWalk(const sym4_forward& plane, PassTimes* times);
 
-  // Leaves out the rows of the second level's bands before `second_row`, and of bands 5 and 6
-  // before `detail_row` and outside `detail_columns`. To be called before the first `advance`.
-  void start(int second_row, int detail_row, span detail_columns);
+  // Leaves out the rows of the second level's bands before `second_row`, and of bands 5 and 6 all
+  // but `detail_rows` and `detail_columns`. To be called before the first `advance`.
+  void start(int second_row, span detail_rows, span detail_columns);
 
   // Makes the next row of the first level's bands, and the rows of the second level's that it
   // completes.
@@ -61,8 +61,9 @@ class Sym4ForwardWalk {
   int k_;  // the first level's next row
   int row2_;
   int source_row_ = 0;
-  int first_source_row_ = 0;
-  int detail_row_ = 0;
+  int last_row_ = -1;  // of the inner rows, the one that was split last
+  bool last_has_high_ = false;
+  span detail_rows_;
   span detail_columns_;
 };
 

@@ -19,7 +19,7 @@ struct sym4_inverse {
   row_store middle;        // the first level's low band
   row_store whole_middle;  // the same as a whole plane, as far as there is one: rows of the low
                            // band that no pass writes are read there
-  row_store first_low;  // of the first level, the next two rows; kSym4SecondRows
+  row_store first_low;     // of the first level, the next two rows; kSym4SecondRows
   row_store first_high;
 };
 

@@ -81,7 +81,9 @@ bool is_near_neutral(const gain_curve& curve, const _Float16* first, const _Floa
   return beyond == 0;
 }
 
-template <bool kConstantGain>
+enum class Gain { kOne, kNeutral, kCurve };
+
+template <Gain kGain>
 void saturate_block(const gain_curve& curve, const _Float16* first, const _Float16* second,
                     uint8_t* __restrict pairs, int count) {
   const half_lane neutral_gain = gain_of(curve.param2);
@@ -89,8 +91,8 @@ void saturate_block(const gain_curve& curve, const _Float16* first, const _Float
   for (int x = 0; x < count; ++x) {
     const half_lane u = round_half(static_cast<half_lane>(first[x]) - kNeutral);
     const half_lane v = round_half(static_cast<half_lane>(second[x]) - kNeutral);
-    half_lane gain = neutral_gain;
-    if constexpr (!kConstantGain) {
+    half_lane gain = kGain == Gain::kOne ? 1 : neutral_gain;
+    if constexpr (kGain == Gain::kCurve) {
       const half_lane distance = greater_of(magnitude(u), magnitude(v));
       gain = gain_of(saturation_percentage(curve, distance));
     }
@@ -107,10 +109,12 @@ void saturate_row(const saturation_curve& curve, const _Float16* first, const _F
   const bool unit_gain = has_unit_gain(curve);
   for (int x = 0; x < width; x += kBlockPairs) {
     const int count = width - x < kBlockPairs ? width - x : kBlockPairs;
-    if (unit_gain || is_near_neutral(lanes, first + x, second + x, count)) {
-      saturate_block<true>(lanes, first + x, second + x, pairs + 2 * x, count);
+    if (unit_gain) {
+      saturate_block<Gain::kOne>(lanes, first + x, second + x, pairs + 2 * x, count);
+    } else if (is_near_neutral(lanes, first + x, second + x, count)) {
+      saturate_block<Gain::kNeutral>(lanes, first + x, second + x, pairs + 2 * x, count);
     } else {
-      saturate_block<false>(lanes, first + x, second + x, pairs + 2 * x, count);
+      saturate_block<Gain::kCurve>(lanes, first + x, second + x, pairs + 2 * x, count);
     }
   }
 }

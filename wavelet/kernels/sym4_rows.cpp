@@ -94,6 +94,16 @@ inline sample_pair synthesise_rule(_Float16 l0, _Float16 l1, _Float16 l2, _Float
   }
 }
 
+[[gnu::noinline]] void walk_low_analysis(const _Float16* const* rows, _Float16* __restrict low,
+                                         int count) {
+  const _Float16 *r0 = rows[0], *r1 = rows[1], *r2 = rows[2], *r3 = rows[3];
+  const _Float16 *r4 = rows[4], *r5 = rows[5], *r6 = rows[6], *r7 = rows[7];
+  VOREL_VECTORIZE
+  for (int x = 0; x < count; ++x) {
+    low[x] = analyse_rule(r0[x], r1[x], r2[x], r3[x], r4[x], r5[x], r6[x], r7[x]).low;
+  }
+}
+
 [[gnu::noinline]] void walk_synthesis(const _Float16* const* low, const _Float16* const* high,
                                       _Float16* __restrict odd, _Float16* __restrict even,
                                       int count) {
@@ -108,6 +118,7 @@ inline sample_pair synthesise_rule(_Float16 l0, _Float16 l1, _Float16 l2, _Float
   }
 }
 
+// `high` may be null: the low band only.
 template <typename Sample>
 void analyse_row(const Sample* src, _Float16* low, _Float16* high, int width) {
   const int end = sym4_analysis_end(width);
@@ -123,7 +134,11 @@ void analyse_row(const Sample* src, _Float16* low, _Float16* high, int width) {
     }
     const _Float16* const rows[] = {even,     odd,     even + 1, odd + 1,
                                     even + 2, odd + 2, even + 3, odd + 3};
-    walk_analysis(rows, low + first, high + first, count);
+    if (high != nullptr) {
+      walk_analysis(rows, low + first, high + first, count);
+    } else {
+      walk_low_analysis(rows, low + first, count);
+    }
   }
 }
 
@@ -136,6 +151,10 @@ void sym4_analyse_rows(const _Float16* const (&rows)[kSym4AnalysisRows], _Float1
 
 void sym4_analyse_row(const _Float16* src, _Float16* low, _Float16* high, int width) {
   analyse_row(src, low, high, width);
+}
+
+void sym4_analyse_row_low(const _Float16* src, _Float16* low, int width) {
+  analyse_row<_Float16>(src, low, nullptr, width);
 }
 
 void sym4_analyse_row(const uint8_t* src, _Float16* low, _Float16* high, int width) {

@@ -28,6 +28,9 @@ void sym4_analyse_rows(const _Float16* const (&rows)[kSym4AnalysisRows], _Float1
 void sym4_analyse_row(const _Float16* src, _Float16* low, _Float16* high, int width);
 void sym4_analyse_row(const uint8_t* src, _Float16* low, _Float16* high, int width);
 
+// The low band only.
+void sym4_analyse_row_low(const _Float16* src, _Float16* low, int width);
+
 // Output rows 2k - 1 (`odd`) and 2k (`even`) of a vertical synthesis: low[i] and high[i] are the
 // rows k - 2 + i.
 void sym4_synthesise_rows(const _Float16* const (&low)[kSym4SynthesisRows],
