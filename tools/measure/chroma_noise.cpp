@@ -22,7 +22,7 @@ constexpr double kMiddle = 0.5;
 constexpr double kImpurityPower = 1.75;
 
 // What fine noise alone can bring about: a little more than the first level of the sample tuning.
-constexpr double kFineShare = 0.35;
+constexpr double kFineShare = 0.5;
 constexpr double kFineMost = 0.145;
 
 // Reported are the first ones; means of 8 x 8 samples serve the estimate too.
