@@ -11,7 +11,7 @@ set -euo pipefail
 build_packages=(
   clang-19 lld-19 llvm-19 cmake ninja-build make pkg-config git
   libjansson-dev android-liblog android-liblog-dev
-  libcli11-dev libyuv-dev libpng-dev libjpeg-dev libexif-dev
+  libcli11-dev libyuv-dev libpng-dev libjpeg-dev libexif-dev libnlopt-dev
   libgtest-dev libgmock-dev libbenchmark-dev)
 
 check_packages=(
@@ -25,7 +25,8 @@ measure_packages=(python3-numpy python3-pil)
 arm_twins=(
   libc6 libc6-dev libgcc-s1 libgcc-12-dev libstdc++6 libstdc++-12-dev
   libjansson-dev android-liblog android-liblog-dev
-  libyuv-dev libpng-dev libjpeg-dev libexif-dev libgtest-dev libgmock-dev libbenchmark-dev)
+  libyuv-dev libpng-dev libjpeg-dev libexif-dev libnlopt-dev
+  libgtest-dev libgmock-dev libbenchmark-dev)
 
 usage() {
   sed -n '2,8s/^# \{0,1\}//p' "$0"

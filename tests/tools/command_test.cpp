@@ -47,7 +47,7 @@ TEST_F(Command, HelpAndVersionAreEverywhere) {
   EXPECT_EQ(main.status, 0);
   EXPECT_THAT(main.err, IsEmpty());
   for (const char* verb :
-       {"denoise", "measure", "noise", "compare", "check", "show", "schema", "dump"}) {
+       {"denoise", "measure", "noise", "compare", "tune", "check", "show", "schema", "dump"}) {
     EXPECT_THAT(main.out, HasSubstr(verb));
     const CommandResult help = run_vorel({verb, "--help"});
     EXPECT_EQ(help.status, 0) << verb;
