@@ -95,47 +95,107 @@ void set_steps(LumaSteps& steps, int32_t upper, int32_t lower) {
   }
 }
 
-// A function of the block, so that its sums stay in the first-level cache. The sums of the pairs'
-// first bytes come before those of the second ones.
-template <int kBits>
-void restore_chroma_block(uint8_t* __restrict pairs, const uint8_t* __restrict u,
-                          const uint8_t* __restrict v, size_t count, const RestorePlan& plan) {
-  constexpr size_t kHalf = kRestoreBlock / 2;
-  uint16_t sums[kRestoreBlock];
-  uint16_t* __restrict second_sums = sums + kHalf;
-  const uint16_t lower = plan.scale_lower;
-  const uint16_t upper = plan.scale_upper;
-  const uint16_t total = plan.chroma.total;
-  const uint16_t unit = plan.chroma.scale;
-  const uint16_t half = static_cast<uint16_t>(plan.chroma.half * unit);
-  const uint16_t whole = static_cast<uint16_t>(total * unit);
-  VOREL_VECTORIZE
-  for (size_t k = 0; k < count; ++k) {
-    const uint16_t pair = load_pair(pairs, k);
-    const uint8_t first = static_cast<uint8_t>(pair);
-    const uint8_t second = static_cast<uint8_t>(pair >> 8);
-    const uint16_t saturation =
-        static_cast<uint16_t>(absolute_difference(first, 128) + absolute_difference(second, 128));
-    const uint16_t distance =
-        static_cast<uint16_t>(absolute_difference(first, u[k]) + absolute_difference(second, v[k]));
-    const uint16_t raised = saturation > lower ? saturation : lower;
-    const uint16_t scale = raised < upper ? raised : upper;
-    const uint16_t weight =
-        static_cast<uint16_t>(narrow_chroma_weight<kBits>(distance, scale, total) * unit);
-    const uint16_t rest = static_cast<uint16_t>(whole - weight);
-    sums[k] = static_cast<uint16_t>(weight * first + rest * u[k] + half);
-    second_sums[k] = static_cast<uint16_t>(weight * second + rest * v[k] + half);
+PairLanes sum_of_bytes(ByteLanes bytes) {
+  const PairLanes pairs = reinterpret_cast<PairLanes>(bytes);
+  return (pairs & 0xFF) + (pairs >> 8);
+}
+
+// What does not change along a row of chroma.
+struct ChromaLanes {
+  explicit ChromaLanes(const RestorePlan& plan)
+      : low(load_table(plan.divisors.low)),
+        high(load_table(plan.divisors.high)),
+        shift(plan.divisors.shift),
+        first(plan.divisors.first),
+        lower(PairLanes{} + plan.saturation_lower),
+        upper(PairLanes{} + plan.saturation_upper),
+        total(PairLanes{} + plan.chroma.total),
+        unit(plan.chroma.scale),
+        multiplier(PairLanes{} + plan.chroma.multiplier[0]) {}
+
+  PairLanes weights(PairLanes saturation, PairLanes distance) const {
+    const PairLanes bounded =
+        __builtin_elementwise_min(__builtin_elementwise_max(saturation, lower), upper);
+    const ByteLanes index = reinterpret_cast<ByteLanes>(bounded - first);
+    const PairLanes factor = (reinterpret_cast<PairLanes>(look_up(low, index)) & 0xFF) |
+                             (reinterpret_cast<PairLanes>(look_up(high, index)) << 8);
+    const PairLanes quotient =
+        shift_right(multiply_high(64 * distance + (bounded >> 1), factor), shift);
+    return __builtin_elementwise_min(quotient, total);
   }
-  VOREL_VECTORIZE
-  for (size_t k = 0; k < count; ++k) sums[k] = upper_half(sums[k], plan.chroma.multiplier[k]);
-  VOREL_VECTORIZE
-  for (size_t k = 0; k < count; ++k) {
-    second_sums[k] = upper_half(second_sums[k], plan.chroma.multiplier[k]);
+
+  PairLanes mean(PairLanes weight, PairLanes input, PairLanes filtered) const {
+    const PairLanes sum = weight * input + (total - weight) * filtered + (total >> 1);
+    return multiply_high(sum * unit, multiplier) >> 6;
   }
-  VOREL_VECTORIZE
-  for (size_t k = 0; k < count; ++k) {
-    store_pair(pairs, k, static_cast<uint16_t>(sums[k] >> 6 | second_sums[k] >> 6 << 8));
+
+  ByteTable low;
+  ByteTable high;
+  int shift;
+  uint16_t first;
+  PairLanes lower;
+  PairLanes upper;
+  PairLanes total;
+  uint16_t unit;
+  PairLanes multiplier;
+};
+
+constexpr size_t kLanePairs = kLanes / 2;
+
+void restore_chroma_lanes(uint8_t* pairs, const uint8_t* u, const uint8_t* v,
+                          const ChromaLanes& by) {
+  using NarrowLanes = uint8_t __attribute__((vector_size(kLanePairs)));
+  NarrowLanes narrow_u;
+  NarrowLanes narrow_v;
+  __builtin_memcpy(&narrow_u, u, sizeof narrow_u);
+  __builtin_memcpy(&narrow_v, v, sizeof narrow_v);
+  const PairLanes first = __builtin_convertvector(narrow_u, PairLanes);
+  const PairLanes second = __builtin_convertvector(narrow_v, PairLanes);
+  const ByteLanes input = load_lanes(pairs);
+  const ByteLanes filtered = reinterpret_cast<ByteLanes>(first | second << 8);
+  const PairLanes weight = by.weights(sum_of_bytes(absolute_difference(input, ByteLanes{} + 128)),
+                                      sum_of_bytes(absolute_difference(input, filtered)));
+  const PairLanes samples = reinterpret_cast<PairLanes>(input);
+  store_lanes(reinterpret_cast<ByteLanes>(by.mean(weight, samples & 0xFF, first) |
+                                          by.mean(weight, samples >> 8, second) << 8),
+              pairs);
+}
+
+void restore_chroma_row_narrow(uint8_t* pairs, const uint8_t* u, const uint8_t* v, size_t count,
+                               const RestorePlan& plan) {
+  const ChromaLanes by(plan);
+  size_t k = 0;
+  for (; k + kLanePairs <= count; k += kLanePairs) {
+    restore_chroma_lanes(pairs + 2 * k, u + k, v + k, by);
   }
+  if (k == count) return;
+  uint8_t last_pairs[kLanes] = {};
+  uint8_t last_u[kLanePairs] = {};
+  uint8_t last_v[kLanePairs] = {};
+  std::copy_n(pairs + 2 * k, 2 * (count - k), last_pairs);
+  std::copy_n(u + k, count - k, last_u);
+  std::copy_n(v + k, count - k, last_v);
+  restore_chroma_lanes(last_pairs, last_u, last_v, by);
+  std::copy_n(last_pairs, 2 * (count - k), pairs + 2 * k);
+}
+
+// False where the bounded saturation takes too many values, or such as the factors do not fit.
+bool set_divisors(SaturationDivisors& divisors, int32_t first, int32_t last) {
+  using Divisors = SaturationDivisors;
+  if (first < Divisors::kLeast || last > Divisors::kMost || last - first >= Divisors::kValues) {
+    return false;
+  }
+  const uint32_t shift =
+      static_cast<uint32_t>(std::bit_width(static_cast<uint32_t>(first - 1)) - 1);
+  divisors.first = static_cast<uint16_t>(first);
+  divisors.shift = static_cast<uint8_t>(shift);
+  for (int32_t i = 0; i < Divisors::kValues; ++i) {
+    const uint32_t saturation = static_cast<uint32_t>(first + i);
+    const uint32_t factor = ((1u << (16 + shift)) + saturation - 1) / saturation;
+    divisors.low[i] = static_cast<uint8_t>(factor);
+    divisors.high[i] = static_cast<uint8_t>(factor >> 8);
+  }
+  return true;
 }
 
 void restore_luma_row_wide(uint8_t* __restrict luma, const uint8_t* __restrict low,
@@ -182,14 +242,15 @@ RestorePlan::RestorePlan(const interleaving_tuning& thresholds) : tuning(thresho
   if (stepped_luma) set_steps(steps, thresholds.d_Y_upper_thresh, luma_lower);
   narrow_luma = is_narrow_total(thresholds.d_Y_upper_thresh);
   if (narrow_luma) set_divisor(luma, thresholds.d_Y_upper_thresh);
-  // No saturation exceeds 256.
-  const int32_t scale =
-      std::min(std::max(thresholds.cs_lower_thresh, 256), thresholds.cs_upper_thresh);
-  narrow_chroma = is_narrow_total(thresholds.d_UV_thresh) && scale <= kMaxNarrowScale;
+  const int32_t first =
+      std::min(std::max(thresholds.cs_lower_thresh, 0), thresholds.cs_upper_thresh);
+  const int32_t last = std::min(std::max(thresholds.cs_lower_thresh, SaturationDivisors::kMost),
+                                thresholds.cs_upper_thresh);
+  narrow_chroma = is_narrow_total(thresholds.d_UV_thresh) && set_divisors(divisors, first, last);
   if (!narrow_chroma) return;
   set_divisor(chroma, thresholds.d_UV_thresh);
-  scale_lower = static_cast<uint16_t>(std::clamp(thresholds.cs_lower_thresh, 0, kMaxNarrowScale));
-  scale_upper = static_cast<uint16_t>(std::clamp(thresholds.cs_upper_thresh, 0, kMaxNarrowScale));
+  saturation_lower = static_cast<uint16_t>(first);
+  saturation_upper = static_cast<uint16_t>(last);
 }
 
 void restore_luma_row(uint8_t* luma, const uint8_t* low, const uint8_t* high, size_t width,
@@ -203,12 +264,6 @@ void restore_luma_row(uint8_t* luma, const uint8_t* low, const uint8_t* high, si
 
 void restore_chroma_row(uint8_t* pairs, const uint8_t* u, const uint8_t* v, size_t count,
                         const RestorePlan& plan) {
-  if (!plan.narrow_chroma) return restore_chroma_row_wide(pairs, u, v, count, plan.tuning);
-  constexpr size_t kBlock = kRestoreBlock / 2;
-  // The usual totals are at most 32.
-  const auto restore_block =
-      plan.chroma.total < 64 ? restore_chroma_block<6> : restore_chroma_block<8>;
-  for (size_t k = 0; k < count; k += kBlock) {
-    restore_block(pairs + 2 * k, u + k, v + k, std::min(count - k, kBlock), plan);
-  }
+  if (plan.narrow_chroma) return restore_chroma_row_narrow(pairs, u, v, count, plan);
+  restore_chroma_row_wide(pairs, u, v, count, plan.tuning);
 }

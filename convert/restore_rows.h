@@ -17,6 +17,19 @@ struct LumaSteps {
   uint8_t down[kSteps];
 };
 
+// Division by a pair's bounded saturation where that takes few values, first..first + 15: the upper
+// half of a product with 2^(16 + shift) / saturation, rounded up, shifted right by `shift`. Exact
+// for quotients below kMaxNarrowTotal, and not below that for others.
+struct SaturationDivisors {
+  static constexpr int32_t kValues = 16;
+  static constexpr int32_t kLeast = 3;   // 2^shift is below the first saturation
+  static constexpr int32_t kMost = 256;  // that two bytes reach
+  uint16_t first;
+  uint8_t shift;
+  uint8_t low[kValues];  // bytes of each factor
+  uint8_t high[kValues];
+};
+
 // Thresholds made ready for a kernel call.
 struct RestorePlan {
   explicit RestorePlan(const interleaving_tuning& tuning);
@@ -24,11 +37,12 @@ struct RestorePlan {
   const interleaving_tuning& tuning;
   bool stepped_luma;   // `steps` is set
   bool narrow_luma;    // `luma` and `luma_lower` are set
-  bool narrow_chroma;  // `chroma`, `scale_lower` and `scale_upper` are set
+  bool narrow_chroma;  // `chroma`, `divisors` and the bounds of the saturation are set
   uint8_t luma_lower;
-  uint16_t scale_lower;
-  uint16_t scale_upper;
+  uint16_t saturation_lower;
+  uint16_t saturation_upper;
   LumaSteps steps;
+  SaturationDivisors divisors;
   MeanDivisor luma;
   MeanDivisor chroma;
 };

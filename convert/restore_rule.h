@@ -86,30 +86,6 @@ inline int32_t chroma_weight(int32_t saturation, int32_t distance, int32_t lower
   return static_cast<int32_t>(scale > 0 ? bounded : 0.0f);
 }
 
-// The same where it fits 16 bits: totals below 2^kBits and a bounded saturation of at most
-// kMaxNarrowScale. Nothing divides lanes of integers, so the quotient comes bit by bit, from the
-// top one down; the numerator is at most 64 * 510 + 255.
-inline constexpr int32_t kMaxNarrowScale = 511;
-
-// 16 bits that are not promoted to 32, which the compiler would compare in wider lanes.
-using Lane16 = unsigned _BitInt(16);
-
-template <int kBits>
-inline uint16_t narrow_chroma_weight(uint16_t distance, uint16_t scale, uint16_t total) {
-  static_assert(kMaxNarrowScale << (kBits - 1) <= UINT16_MAX);
-  const Lane16 divisor = scale;
-  Lane16 rest = static_cast<Lane16>(distance) * Lane16{64} + (divisor >> 1);
-  Lane16 quotient = 0;
-  for (int bit = kBits - 1; bit >= 0; --bit) {
-    const Lane16 part = divisor << bit;
-    const bool fits = rest >= part;
-    rest -= fits ? part : Lane16{0};
-    quotient += fits ? Lane16{1} << bit : Lane16{0};
-  }
-  const uint16_t bounded = quotient < total ? static_cast<uint16_t>(quotient) : total;
-  return scale > 0 ? bounded : uint16_t{0};
-}
-
 // The mean for any total. The sum is at most 32768 in size, so the quotient fits 32 bits.
 inline int32_t wide_mean(int32_t weight, uint8_t input, uint8_t filtered, int32_t total) {
   const uint32_t rest = static_cast<uint32_t>(total) - static_cast<uint32_t>(weight);

@@ -16,6 +16,8 @@ inline constexpr int32_t kLanes = 32;
 using ByteLanes = uint8_t __attribute__((vector_size(kLanes)));
 using HalfLanes = uint16_t __attribute__((vector_size(2 * kLanes)));
 using WordLanes = uint32_t __attribute__((vector_size(4 * kLanes)));
+// A vector of bytes seen as pairs.
+using PairLanes = uint16_t __attribute__((vector_size(kLanes)));
 
 inline ByteLanes load_lanes(const uint8_t* src) {
   ByteLanes lanes;
@@ -47,6 +49,17 @@ inline ByteLanes look_up(ByteTable table, ByteLanes index) {
   return reinterpret_cast<ByteLanes>(_mm256_shuffle_epi8(table, marked));
 }
 
+// Upper half of the 32-bit products.
+inline PairLanes multiply_high(PairLanes a, PairLanes b) {
+  return reinterpret_cast<PairLanes>(
+      _mm256_mulhi_epu16(reinterpret_cast<__m256i>(a), reinterpret_cast<__m256i>(b)));
+}
+
+inline PairLanes shift_right(PairLanes lanes, int bits) {
+  return reinterpret_cast<PairLanes>(
+      _mm256_srl_epi16(reinterpret_cast<__m256i>(lanes), _mm_cvtsi32_si128(bits)));
+}
+
 #elif defined(__aarch64__)
 
 using ByteTable = uint8x16_t;
@@ -61,6 +74,16 @@ inline ByteLanes look_up(ByteTable table, ByteLanes index) {
   ByteLanes entries;
   __builtin_memcpy(&entries, halves, sizeof entries);
   return entries;
+}
+
+inline PairLanes multiply_high(PairLanes a, PairLanes b) {
+  using Wide = uint32_t __attribute__((vector_size(2 * kLanes)));
+  return __builtin_convertvector(
+      (__builtin_convertvector(a, Wide) * __builtin_convertvector(b, Wide)) >> 16, PairLanes);
+}
+
+inline PairLanes shift_right(PairLanes lanes, int bits) {
+  return lanes >> static_cast<uint16_t>(bits);
 }
 
 #endif

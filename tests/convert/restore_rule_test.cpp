@@ -13,10 +13,10 @@ namespace {
 TEST(RestoreRule, MultiplicationEqualsTheDivisionForEverySum) {
   for (int total = 1; total <= kMaxNarrowTotal; ++total) {
     interleaving_tuning tuning{};
-    tuning.d_UV_thresh = total;
+    tuning.d_Y_upper_thresh = total;
     const RestorePlan plan(tuning);
-    ASSERT_TRUE(plan.narrow_chroma);
-    const MeanDivisor& by = plan.chroma;
+    ASSERT_TRUE(plan.narrow_luma);
+    const MeanDivisor& by = plan.luma;
     ASSERT_EQ(std::count(by.multiplier, by.multiplier + kRestoreBlock, by.multiplier[0]),
               static_cast<ptrdiff_t>(kRestoreBlock));
     for (int sum = 0; sum <= 255 * total; ++sum) {
@@ -28,19 +28,25 @@ TEST(RestoreRule, MultiplicationEqualsTheDivisionForEverySum) {
   }
 }
 
-// Every reachable pair of a distance and a bounded saturation.
-TEST(RestoreRule, NarrowChromaWeightEqualsTheIntegerDivision) {
-  for (int scale = 0; scale <= kMaxNarrowScale; ++scale) {
-    for (int distance = 0; distance <= 510; ++distance) {
-      const int quotient = scale == 0 ? 0 : (64 * distance + scale / 2) / scale;
-      const auto e = static_cast<uint16_t>(distance);
-      const auto s = static_cast<uint16_t>(scale);
-      for (int total = 1; total <= kMaxNarrowTotal; ++total) {
-        const int expected = std::min(quotient, total);
-        const auto t = static_cast<uint16_t>(total);
-        ASSERT_EQ(narrow_chroma_weight<8>(e, s, t), expected) << distance << ' ' << scale;
-        if (total > 63) continue;
-        ASSERT_EQ(narrow_chroma_weight<6>(e, s, t), expected) << distance << ' ' << scale;
+// Every distance and every bounded saturation, whichever the least one is.
+TEST(RestoreRule, SaturationDivisorsEqualTheIntegerDivision) {
+  for (int first = SaturationDivisors::kLeast; first <= SaturationDivisors::kMost; ++first) {
+    interleaving_tuning tuning{};
+    tuning.d_UV_thresh = 16;
+    tuning.cs_lower_thresh = first;
+    tuning.cs_upper_thresh = std::min(first + 15, SaturationDivisors::kMost);
+    const RestorePlan plan(tuning);
+    ASSERT_TRUE(plan.narrow_chroma) << first;
+    for (int scale = first; scale <= tuning.cs_upper_thresh; ++scale) {
+      const int i = scale - plan.divisors.first;
+      const uint32_t factor = plan.divisors.low[i] | static_cast<uint32_t>(plan.divisors.high[i])
+                                                         << 8;
+      for (int distance = 0; distance <= 510; ++distance) {
+        const int numerator = 64 * distance + scale / 2;
+        const int quotient = static_cast<int>((static_cast<uint32_t>(numerator) * factor) >> 16 >>
+                                              plan.divisors.shift);
+        ASSERT_EQ(std::min(quotient, kMaxNarrowTotal), std::min(numerator / scale, kMaxNarrowTotal))
+            << distance << ' ' << scale << ' ' << first;
       }
     }
   }
