@@ -4,9 +4,69 @@
 
 #include "convert/restore_rows.h"
 #include "convert/restore_strip.h"
+#include "convert/upsample.h"
 #include "platform/vectorize.h"
 
 namespace {
+
+// A piece of a strip is one row of blocks high and at most this wide: what is filtered for it stays
+// in the cache, and rows are still long enough to be read in memory order.
+constexpr size_t kPieceRows = 16;
+constexpr size_t kPieceCols = kUpsampleCols;
+
+// Luma samples of a strip; chroma is half of everything.
+struct Piece {
+  size_t row;
+  size_t rows;
+  size_t col;
+  size_t cols;
+};
+
+// A filtered plane's rows at a piece: those of the plane, or made one by one from its blocks.
+struct FilteredRows {
+  const uint8_t* plane;
+  size_t pitch;
+  size_t weight_step;  // sixteenths from a row to the next
+  UpsampleSums sums;
+  uint8_t samples[kUpsampleCols];
+
+  const uint8_t* row(size_t index) {
+    if (plane != nullptr) return plane + index * pitch;
+    blend_sums(sums, index * weight_step, samples);
+    return samples;
+  }
+};
+
+// Scratch of a strip (60 KB).
+struct StripRoom {
+  FilteredRows y;
+  FilteredRows u;
+  FilteredRows v;
+};
+
+void widen_piece(const FilteredBlocks& blocks, const Piece& piece, StripRoom* room) {
+  const auto widen = [&](const uint8_t* plane, Upsampling factor, FilteredRows* rows) {
+    rows->plane = nullptr;
+    rows->weight_step = factor == Upsampling::k16x16 ? 1 : 2;
+    widen_run({plane, static_cast<size_t>(blocks.cols), static_cast<size_t>(blocks.rows),
+               static_cast<size_t>(blocks.row) + piece.row / kPieceRows, piece.col / 16,
+               (piece.col + piece.cols) / 16},
+              factor, &rows->sums);
+  };
+  widen(blocks.y, Upsampling::k16x16, &room->y);
+  widen(blocks.u, Upsampling::k8x8, &room->u);
+  widen(blocks.v, Upsampling::k8x8, &room->v);
+}
+
+void place_piece(const interleave_job& strip, const Piece& piece, StripRoom* room) {
+  const size_t width = static_cast<size_t>(strip.width);
+  const size_t chroma = piece.row / 2 * (width / 2) + piece.col / 2;
+  room->u.pitch = room->v.pitch = width / 2;
+  room->u.plane = strip.upsampled_u + chroma;
+  room->v.plane = strip.upsampled_v + chroma;
+  room->y.pitch = width;
+  if (strip.y_out != nullptr) room->y.plane = strip.y_low + piece.row * width + piece.col;
+}
 
 // The rows work in place; a separate output starts as a copy of the input.
 uint8_t* row_to_restore(const uint8_t* in, uint8_t* out, size_t at, size_t bytes) {
@@ -14,18 +74,13 @@ uint8_t* row_to_restore(const uint8_t* in, uint8_t* out, size_t at, size_t bytes
   return out + at;
 }
 
-void restore_luma(const interleave_job& strip, size_t row, const RestorePlan& plan) {
-  const size_t width = static_cast<size_t>(strip.width);
-  const size_t at = row * width;
-  restore_luma_row(row_to_restore(strip.y_in, strip.y_out, at, width), strip.y_low + at,
-                   strip.y_high + at, width, plan);
-}
-
-void restore_chroma(const interleave_job& strip, size_t row, const RestorePlan& plan) {
-  const size_t width = static_cast<size_t>(strip.width);
-  const size_t at = row * (width / 2);
-  restore_chroma_row(row_to_restore(strip.uv_in, strip.uv_out, row * width, width),
-                     strip.upsampled_u + at, strip.upsampled_v + at, width / 2, plan);
+void restore_luma(const interleave_job& strip, const Piece& piece, const RestorePlan& plan,
+                  StripRoom* room) {
+  for (size_t row = 0; row < piece.rows; ++row) {
+    const size_t at = (piece.row + row) * static_cast<size_t>(strip.width) + piece.col;
+    restore_luma_row(row_to_restore(strip.y_in, strip.y_out, at, piece.cols), room->y.row(row),
+                     strip.y_high + at, piece.cols, plan);
+  }
 }
 
 void split_to_half(const uint8_t* __restrict pairs, _Float16* __restrict u, _Float16* __restrict v,
@@ -38,35 +93,52 @@ void split_to_half(const uint8_t* __restrict pairs, _Float16* __restrict u, _Flo
   }
 }
 
-void restore_chroma_to_half(const interleave_job& strip, size_t row, const RestorePlan& plan) {
-  constexpr size_t kBlock = kRestoreBlock / 2;
-  uint8_t block[kRestoreBlock];
-  const size_t width = static_cast<size_t>(strip.width);
-  const size_t pairs = width / 2;
-  const size_t out = row * static_cast<size_t>(strip.mfd_width);
-  for (size_t k = 0; k < pairs; k += kBlock) {
-    const size_t count = std::min(pairs - k, kBlock);
-    std::memcpy(block, strip.uv_in + row * width + 2 * k, 2 * count);
-    restore_chroma_row(block, strip.upsampled_u + row * pairs + k,
-                       strip.upsampled_v + row * pairs + k, count, plan);
-    split_to_half(block, strip.mfd_u + out + k, strip.mfd_v + out + k, count);
+void restore_chroma(const interleave_job& strip, const Piece& piece, const RestorePlan& plan,
+                    StripRoom* room) {
+  uint8_t block[kPieceCols];
+  for (size_t row = 0; row < piece.rows / 2; ++row) {
+    const size_t chroma_row = piece.row / 2 + row;
+    const size_t at = chroma_row * static_cast<size_t>(strip.width) + piece.col;
+    const uint8_t* u = room->u.row(row);
+    const uint8_t* v = room->v.row(row);
+    if (strip.uv_out != nullptr) {
+      restore_chroma_row(row_to_restore(strip.uv_in, strip.uv_out, at, piece.cols), u, v,
+                         piece.cols / 2, plan);
+      continue;
+    }
+    const size_t half = chroma_row * static_cast<size_t>(strip.mfd_width) + piece.col / 2;
+    std::memcpy(block, strip.uv_in + at, piece.cols);
+    restore_chroma_row(block, u, v, piece.cols / 2, plan);
+    split_to_half(block, strip.mfd_u + half, strip.mfd_v + half, piece.cols / 2);
   }
 }
 
 }  // namespace
 
 void restore_planar_strip(const interleave_job& strip) {
+  RestoreStrip with_planes{strip, {}};
+  restore_planar_strip(with_planes);
+}
+
+void restore_planar_strip(const RestoreStrip& strip) {
   const bool with_luma = strip.y_out != nullptr;
   if (with_luma && strip.tuning->d_Y_upper_thresh == 0) return;
   if (strip.tuning->d_UV_thresh == 0 || strip.width < 1 || strip.rows < 1) return;
   const RestorePlan plan(*strip.tuning);
   const size_t rows = static_cast<size_t>(strip.rows);
-  for (size_t row = 0; with_luma && row < rows; ++row) restore_luma(strip, row, plan);
-  for (size_t row = 0; row < rows / 2; ++row) {
-    if (strip.uv_out != nullptr) {
-      restore_chroma(strip, row, plan);
-    } else {
-      restore_chroma_to_half(strip, row, plan);
+  const size_t cols = static_cast<size_t>(strip.width);
+  StripRoom room;
+  for (size_t row = 0; row < rows; row += kPieceRows) {
+    for (size_t col = 0; col < cols; col += kPieceCols) {
+      const Piece piece{row, std::min(rows - row, kPieceRows), col,
+                        std::min(cols - col, kPieceCols)};
+      if (strip.blocks.y != nullptr) {
+        widen_piece(strip.blocks, piece, &room);
+      } else {
+        place_piece(strip, piece, &room);
+      }
+      if (with_luma) restore_luma(strip, piece, plan, &room);
+      restore_chroma(strip, piece, plan, &room);
     }
   }
 }

@@ -12,9 +12,6 @@ namespace {
 // 16 * 4080 = 65280: 16 bits hold everything.
 constexpr int kUnit = 16;
 
-// Source columns whose sums lie on the stack at a time.
-constexpr size_t kBlock = 128;
-
 inline uint16_t blend_columns(uint16_t left, uint16_t right, uint16_t weight) {
   return static_cast<uint16_t>((kUnit - weight) * left + weight * right);
 }
@@ -30,7 +27,7 @@ void widen_row(const uint8_t* row, size_t cols, size_t first, size_t end,
                uint16_t* __restrict sums) {
   // Every sample kAcross times, and once more the one after the last: an output's right neighbour
   // lies kAcross bytes on.
-  uint8_t spread[(kBlock + 1) * kAcross];
+  uint8_t spread[kUpsampleCols + kAcross];
   for (size_t col = first; col <= end; ++col) {
     std::memset(spread + (col - first) * kAcross, row[std::min(col, cols - 1)], kAcross);
   }
@@ -42,47 +39,45 @@ void widen_row(const uint8_t* row, size_t cols, size_t first, size_t end,
   }
 }
 
-// A function of its own: inlined, the row loop unrolls into one copy of this loop per weight, three
-// times the code for the same speed.
-[[gnu::noinline]] void blend_row(const uint16_t* __restrict upper, const uint16_t* __restrict lower,
-                                 uint16_t weight, uint8_t* __restrict dst, size_t count) {
-  VOREL_VECTORIZE
-  for (size_t x = 0; x < count; ++x) dst[x] = blend_rows(upper[x], lower[x], weight);
-}
-
-template <int kAcross, int kDown>
-void upsample(const UpsamplePlane& plane) {
-  if (plane.cols < 1 || plane.rows < 1 || plane.covered < 1) return;
-  const size_t width = static_cast<size_t>(plane.cols);
-  const size_t height = static_cast<size_t>(plane.rows);
-  const size_t end = std::min(width, static_cast<size_t>(plane.covered));
-  uint16_t upper[kBlock * kAcross];
-  uint16_t lower[kBlock * kAcross];
-  for (size_t row = 0; row < height; ++row) {
-    const uint8_t* above = plane.src + row * width;
-    const uint8_t* below = row + 1 < height ? above + width : above;
-    for (size_t first = 0; first < end; first += kBlock) {
-      const size_t last = std::min(end, first + kBlock);
-      widen_row<kAcross>(above, width, first, last, upper);
-      widen_row<kAcross>(below, width, first, last, lower);
-      for (size_t i = 0; i < kDown; ++i) {
-        blend_row(upper, lower, static_cast<uint16_t>(i * (kUnit / kDown)),
-                  plane.dst + ((row * kDown + i) * width + first) * kAcross,
-                  (last - first) * kAcross);
-      }
-    }
-  }
+template <int kAcross>
+void widen_both(const UpsampleRun& run, UpsampleSums* sums) {
+  const uint8_t* above = run.src + run.row * run.cols;
+  const uint8_t* below = run.row + 1 < run.rows ? above + run.cols : above;
+  widen_row<kAcross>(above, run.cols, run.col_first, run.col_end, sums->upper);
+  widen_row<kAcross>(below, run.cols, run.col_first, run.col_end, sums->lower);
+  sums->count = (run.col_end - run.col_first) * kAcross;
 }
 
 }  // namespace
 
+void widen_run(const UpsampleRun& run, Upsampling factor, UpsampleSums* sums) {
+  factor == Upsampling::k16x16 ? widen_both<16>(run, sums) : widen_both<8>(run, sums);
+}
+
+void blend_sums(const UpsampleSums& sums, size_t weight, uint8_t* __restrict dst) {
+  const uint16_t* upper = sums.upper;
+  const uint16_t* lower = sums.lower;
+  const uint16_t down = static_cast<uint16_t>(weight);
+  const size_t count = sums.count;
+  VOREL_VECTORIZE
+  for (size_t x = 0; x < count; ++x) dst[x] = blend_rows(upper[x], lower[x], down);
+}
+
 void upsample_plane(const UpsamplePlane& plane, Upsampling factor) {
-  switch (factor) {
-    case Upsampling::k16x16:
-      return upsample<16, 16>(plane);
-    case Upsampling::k8x8:
-      return upsample<8, 8>(plane);
-    case Upsampling::k8x16:
-      return upsample<8, 16>(plane);
+  if (plane.cols < 1 || plane.rows < 1 || plane.covered < 1) return;
+  const size_t across = factor == Upsampling::k16x16 ? 16 : 8;
+  const size_t down = factor == Upsampling::k8x8 ? 8 : 16;
+  const size_t cols = static_cast<size_t>(plane.cols);
+  const size_t rows = static_cast<size_t>(plane.rows);
+  const size_t end = std::min(cols, static_cast<size_t>(plane.covered));
+  const size_t step = kUpsampleCols / across;
+  UpsampleSums sums;
+  for (size_t row = 0; row < rows; ++row) {
+    for (size_t col = 0; col < end; col += step) {
+      widen_run({plane.src, cols, rows, row, col, std::min(end, col + step)}, factor, &sums);
+      for (size_t i = 0; i < down; ++i) {
+        blend_sums(sums, i * (kUnit / down), plane.dst + ((row * down + i) * cols + col) * across);
+      }
+    }
   }
 }

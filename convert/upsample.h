@@ -2,6 +2,7 @@
 #ifndef VOREL_CONVERT_UPSAMPLE_H_
 #define VOREL_CONVERT_UPSAMPLE_H_
 
+#include <cstddef>
 #include <cstdint>
 
 #include "vorel/convert.h"
@@ -24,5 +25,32 @@ void upsample_plane(const UpsamplePlane& plane, Upsampling factor);
 inline void upsample_plane(const upsample_job& job, Upsampling factor) {
   upsample_plane({job.src, job.dst, job.cols, job.rows, job.cols}, factor);
 }
+
+// Outputs across that are worked on together: their sums stay in the first-level cache, and rows
+// are written in memory order.
+inline constexpr size_t kUpsampleCols = 4096;
+
+// Samples [col_first, col_end) of one row of a plane, at most kUpsampleCols outputs.
+struct UpsampleRun {
+  const uint8_t* src;  // the plane
+  size_t cols;
+  size_t rows;
+  size_t row;
+  size_t col_first;
+  size_t col_end;
+};
+
+// What all outputs between a row and the next are blended from.
+struct UpsampleSums {
+  size_t count;
+  uint16_t upper[kUpsampleCols];
+  uint16_t lower[kUpsampleCols];
+};
+
+// Goes across: 16 (k16x16) or 8 outputs per sample.
+void widen_run(const UpsampleRun& run, Upsampling factor, UpsampleSums* sums);
+
+// Goes down: the row of outputs that is `weight` sixteenths below the samples.
+void blend_sums(const UpsampleSums& sums, size_t weight, uint8_t* dst);
 
 #endif  // VOREL_CONVERT_UPSAMPLE_H_

@@ -15,6 +15,7 @@ void fill_bookkeeping(vorel* handle, vorel_thread* run) {
   run->pool = &handle->pool;
   run->nice = handle->driver_nice;
   run->report = {};
+  run->whole_planes = handle->debug_mode >= kDebugDumpPlanes;
   for (box_filter_job& job : run->box_jobs) {
     job.debug_mode = handle->debug_mode;
     job.dump_path = handle->dump_path;

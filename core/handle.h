@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "convert/restore_strip.h"
 #include "core/dump_directory.h"
 #include "core/frame_planes.h"
 #include "core/frame_pool.h"
@@ -49,7 +50,8 @@ struct vorel_thread : frame_planes, stage_record {
   uint8_t* packed_out;
   uint8_t* y_source;
   box_filter_job box_jobs[kBoxFilterJobs];
-  interleave_job interleave_jobs[kInterleaveJobs];
+  RestoreStrip interleave_jobs[kInterleaveJobs];
+  bool whole_planes;  // upsampled planes are wanted, as dumps show them
   frame_pool* pool;
   int32_t nice;  // of the driver thread
   frame_report report;

@@ -29,11 +29,11 @@ void filter_chroma(const vorel_thread* run, const chroma_plane& plane) {
   const upsample_job job{block_cols(run), block_rows(run), plane.filtered, plane.upsampled};
   if (is_packed_422(run->format)) {
     upsample_plane(job, Upsampling::k8x16);
-  } else if (is_planar_420(run->format)) {
-    upsample_plane(job, Upsampling::k8x8);
-  } else {
+  } else if (!is_planar_420(run->format)) {
     VOREL_LOGE("%s, Not supported format", plane.timing_name);
     return;
+  } else if (run->whole_planes) {
+    upsample_plane(job, Upsampling::k8x8);
   }
   timer.log("uv_upsample");
 }
@@ -50,7 +50,7 @@ void* vorel_y_job(void* argument) {
   timer.restart();
   dump_plane(*run, "f_Y_low_", {run->filtered_y, block_cols(run), block_rows(run)});
   const upsample_job job{block_cols(run), block_rows(run), run->filtered_y, run->y_low};
-  upsample_plane(job, Upsampling::k16x16);
+  if (run->whole_planes || is_packed_422(run->format)) upsample_plane(job, Upsampling::k16x16);
   timer.log("upsample_y");
   return nullptr;
 }

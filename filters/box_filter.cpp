@@ -85,10 +85,12 @@ void filter_block(const BoxStrip& strip, ptrdiff_t first_column, ptrdiff_t colum
   for (ptrdiff_t row = strip.row_first - radius; row <= strip.row_first + radius; ++row) {
     add_row(source_row(row), columns, running_sums);
   }
+  uint8_t unwanted_low[kBlockColumns];
   for (ptrdiff_t row = strip.row_first; row < strip.row_end; ++row) {
     const ptrdiff_t offset = row * strip.pitch + first_column;
     filter(strip.src + offset, source_row(row - radius), source_row(row + radius + 1), columns,
-           strip.low + offset, strip.high + offset, running_sums);
+           row % strip.low_step == 0 ? strip.low + offset : unwanted_low, strip.high + offset,
+           running_sums);
   }
 }
 

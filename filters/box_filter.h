@@ -19,6 +19,8 @@ struct BoxStrip {
   ptrdiff_t row_first;
   ptrdiff_t row_end;
   int32_t tab_bit;  // 0..7, others count as the nearest of these
+  // Rows of `low` that are written: the plane's multiples of it.
+  ptrdiff_t low_step = 1;
 };
 
 void filter_strip(BoxStrip strip);

@@ -124,7 +124,7 @@ TEST_F(StagesTest, UnknownFormatFails) {
   EXPECT_EQ(log_.count("vorel_interleave, Not supported format"), 1);
   vorel_u_job(run.get());
   EXPECT_EQ(log_.count("vorel_u, Not supported format"), 1);
-  interleave_job job{};
+  RestoreStrip job{};
   job.format = 0x30313233;
   vorel_interleave_thread_func(&job);
   EXPECT_EQ(log_.count("vorel_interleave_thread_func, Not supported format"), 1);
@@ -185,6 +185,7 @@ TEST_F(StagesTest, StripsInAnyOrderGiveTheFrame) {
     for (bool whole : {true, false}) {
       Record run(width, height);
       run.tuning().mfd_uv_tuning.enable = 0;
+      run->whole_planes = whole;
       vorel_deinterleave(run.get());
       fill_box_filter_jobs(run.get());
       std::vector<int> order(64);
@@ -228,6 +229,7 @@ TEST_F(StagesTest, DumpsHoldThePlanesTheyAreNamedAfter) {
     vorel_deinit(handle);
 
     Record run(kWidth, kHeight);
+    run->whole_planes = true;
     std::vector<_Float16> half(2 * kHalf);
     run->mfd_u = half.data();
     run->mfd_v = half.data() + kHalf;
@@ -258,7 +260,7 @@ TEST_F(StagesTest, DumpsHoldThePlanesTheyAreNamedAfter) {
       planes["u_V_64_40.raw"] = {run->upsampled_v, 64 * 40};
       planes["Y_128_72.raw"] = {original.y.data(), 128 * 72};
       fill_interleave_jobs(run.get());
-      for (interleave_job& job : run->interleave_jobs) vorel_interleave_thread_func(&job);
+      for (RestoreStrip& job : run->interleave_jobs) vorel_interleave_thread_func(&job);
     }
     for (const auto& [name, plane] : planes) {
       const std::string bytes = read_file(folder / name);

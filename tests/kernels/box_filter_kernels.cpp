@@ -1,11 +1,14 @@
 #include <algorithm>
 
+#include "filters/box_filter.h"
 #include "tests/kernels/kernel_list.h"
-#include "vorel/filters.h"
 
 namespace {
 
 enum : size_t { kSource, kLow, kHigh };
+
+// Rows of the smooth plane that a frame needs.
+constexpr int kLowStep = 16;
 
 int tab_bit(const KernelData& data) { return (data.variant + 4) % 8; }
 
@@ -18,16 +21,8 @@ int mirrored(const KernelData& data, KernelStrip strip, int row) {
   return row;
 }
 
-}  // namespace
-
-void make_box_filter(KernelData& data) {
-  data.add_input(data.size.height, data.size.width);
-  data.add_output(data.size.height, data.size.width);
-  data.add_output(data.size.height, data.size.width);
-}
-
-void run_box_filter(KernelData& data, KernelStrip strip) {
-  const boxfiltering_tuning tuning{tab_bit(data)};
+box_filter_job describe_strip(KernelData& data, KernelStrip strip,
+                              const boxfiltering_tuning* tuning) {
   box_filter_job job{};
   job.width = job.stride = data.size.width;
   job.row_limit = data.size.height;
@@ -36,11 +31,11 @@ void run_box_filter(KernelData& data, KernelStrip strip) {
   job.src = data.bytes(kSource);
   job.low = data.bytes(kLow);
   job.high = data.bytes(kHigh);
-  job.tuning = &tuning;
-  box_filter_col(&job);
+  job.tuning = tuning;
+  return job;
 }
 
-void plain_box_filter(KernelData& data, KernelStrip strip) {
+void filter_plainly(KernelData& data, KernelStrip strip, int low_step) {
   const int radius = ((1 << tab_bit(data)) - 1) / 2;
   const int width = data.size.width;
   const uint8_t* src = data.bytes(kSource);
@@ -52,9 +47,38 @@ void plain_box_filter(KernelData& data, KernelStrip strip) {
         sum += src[mirrored(data, strip, i) * width + x];
       }
       const int low = std::min((sum + radius + 1) >> tab_bit(data), 255);
-      data.bytes(kLow)[y * width + x] = static_cast<uint8_t>(low);
+      if (y % low_step == 0) data.bytes(kLow)[y * width + x] = static_cast<uint8_t>(low);
       data.bytes(kHigh)[y * width + x] =
           static_cast<uint8_t>(std::clamp(sample - low + 128, 0, 255));
     }
   }
+}
+
+}  // namespace
+
+void make_box_filter(KernelData& data) {
+  data.add_input(data.size.height, data.size.width);
+  data.add_output(data.size.height, data.size.width);
+  data.add_output(data.size.height, data.size.width);
+}
+
+void run_box_filter(KernelData& data, KernelStrip strip) {
+  const boxfiltering_tuning tuning{tab_bit(data)};
+  box_filter_job job = describe_strip(data, strip, &tuning);
+  box_filter_col(&job);
+}
+
+void plain_box_filter(KernelData& data, KernelStrip strip) { filter_plainly(data, strip, 1); }
+
+void make_box_filter_frame(KernelData& data) { make_box_filter(data); }
+
+void run_box_filter_frame(KernelData& data, KernelStrip strip) {
+  const boxfiltering_tuning tuning{tab_bit(data)};
+  BoxStrip room = box_strip(describe_strip(data, strip, &tuning));
+  room.low_step = kLowStep;
+  filter_strip(room);
+}
+
+void plain_box_filter_frame(KernelData& data, KernelStrip strip) {
+  filter_plainly(data, strip, kLowStep);
 }

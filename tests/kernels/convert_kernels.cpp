@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "tests/kernels/kernel_list.h"
+#include "tests/kernels/plain_upsample.h"
 #include "vorel/convert.h"
 
 namespace {
@@ -46,27 +47,12 @@ upsample_job describe_plane(KernelData& data) {
   return {data.size.width, data.size.height, data.bytes(0), data.bytes(1)};
 }
 
-// The floor of the exact bilinear value.
 void upsample_plainly(KernelData& data, Factor factor) {
-  const uint8_t* src = data.bytes(0);
-  const int cols = data.size.width;
+  const PlainUpsampling plane{data.bytes(0), data.size.width, data.size.height, factor.across,
+                              factor.down};
+  const int width = data.size.width * factor.across;
   for (int y = 0; y < data.size.height * factor.down; ++y) {
-    for (int x = 0; x < cols * factor.across; ++x) {
-      const int row = y / factor.down;
-      const int col = x / factor.across;
-      const int next_row = std::min(row + 1, data.size.height - 1);
-      const int next_col = std::min(col + 1, cols - 1);
-      const int below = y % factor.down;
-      const int right = x % factor.across;
-      const int above = factor.down - below;
-      const int left = factor.across - right;
-      const int sum = above * left * src[row * cols + col] +
-                      above * right * src[row * cols + next_col] +
-                      below * left * src[next_row * cols + col] +
-                      below * right * src[next_row * cols + next_col];
-      data.bytes(1)[y * cols * factor.across + x] =
-          static_cast<uint8_t>(sum / (factor.across * factor.down));
-    }
+    for (int x = 0; x < width; ++x) data.bytes(1)[y * width + x] = plane.at(y, x);
   }
 }
 

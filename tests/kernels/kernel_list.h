@@ -5,6 +5,7 @@
 #include "tests/kernels/kernel.h"
 
 DECLARE_KERNEL(box_filter);
+DECLARE_KERNEL(box_filter_frame);
 DECLARE_KERNEL(bilateral);
 DECLARE_KERNEL(bilateral_stored);
 DECLARE_KERNEL(bilateral_interior);
@@ -14,6 +15,7 @@ DECLARE_KERNEL(upsample_y);
 DECLARE_KERNEL(upsample_uv420);
 DECLARE_KERNEL(upsample_uv422);
 DECLARE_KERNEL(restore_planar);
+DECLARE_KERNEL(restore_blocks);
 DECLARE_KERNEL(restore_planar_apart);
 DECLARE_KERNEL(restore_planar_half);
 DECLARE_KERNEL(restore_planar_chroma);
@@ -24,6 +26,7 @@ DECLARE_KERNEL(restore_packed_chroma);
 inline constexpr Kernel kKernels[] = {
     {.name = "box_filter_col", FORMS(box_filter), .variants = 8, .strip_step = 1, .frame_strips = 64,
      .arm_loops = "box_filter | luma | filters/box_filter.cpp : filter_row<4> :  : 4"},
+    {.name = "box_filter_frame", FORMS(box_filter_frame), .variants = 8, .strip_step = 1, .frame_strips = 64},
     {.name = "bilateral_filter", FORMS(bilateral), .variants = 96, .largest_width = 250, .frame_shift = 4, .also = {"wide_weights", 1},
      .arm_loops = "bilateral_filter, one tap | 3 * 49 * luma / 256 | "
                   "filters/bilateral_tile.cpp : filter_tile( : tbl uaddw2 : -32"},
@@ -37,10 +40,8 @@ inline constexpr Kernel kKernels[] = {
     {.name = "upsample_uv422", FORMS(upsample_uv422), .largest_width = 261, .frame_shift = 4},
     {.name = "restore_yuv420", FORMS(restore_planar), .variants = 18, .strip_step = 2, .width_step = 16, .also = {"wide_totals", 1},
      .arm_loops = "restore, luma | luma | convert/restore_rows.cpp : restore_luma_row( : uqsub tbl : 1 || "
-                  "restore, chroma | luma / 2 | "
-                  "convert/restore_rows.cpp : restore_chroma_block<6> : cmhi : 2 | "
-                  "convert/restore_rows.cpp : restore_chroma_block<6> : umull2 uzp2 : 2 | "
-                  "convert/restore_rows.cpp : restore_chroma_block<6> : ushr -cmhi : 1"},
+                  "restore, chroma | luma / 2 | convert/restore_rows.cpp : restore_chroma_row( : tbl umull2 -fdiv : 1"},
+    {.name = "restore_blocks", FORMS(restore_blocks), .variants = 18, .strip_step = 16, .width_step = 16, .frame_strips = 64},
     {.name = "restore_yuv420_apart", FORMS(restore_planar_apart), .variants = 18, .strip_step = 2, .width_step = 16},
     {.name = "restore_yuv420_mfd_uv", FORMS(restore_planar_half), .variants = 18, .strip_step = 2, .width_step = 16},
     {.name = "restore_uv420", FORMS(restore_planar_chroma), .variants = 18, .strip_step = 2, .width_step = 16},

@@ -3,7 +3,9 @@
 #include <climits>
 #include <cstdlib>
 
+#include "convert/restore_strip.h"
 #include "tests/kernels/kernel_list.h"
+#include "tests/kernels/plain_upsample.h"
 #include "vorel/convert.h"
 
 namespace {
@@ -169,6 +171,57 @@ void run_restore_planar(KernelData& data, KernelStrip strip) {
 void plain_restore_planar(KernelData& data, KernelStrip strip) {
   restore_luma_plainly(data, strip, data.bytes(kY));
   store_pairs_plainly(data, strip, data.bytes(kUv));
+}
+
+// The filtered planes are at 1/16 size.
+void make_restore_blocks(KernelData& data) {
+  const int rows = (data.size.height + 15) / 16;
+  const int cols = data.size.width / 16;
+  data.add_input(rows, cols);
+  data.add_input(data.size.height, data.size.width);
+  data.add_input(rows, cols);
+  data.add_input(rows, cols);
+  data.add_input(data.size.height, data.size.width);
+  data.add_input(data.size.height / 2, data.size.width);
+}
+
+void run_restore_blocks(KernelData& data, KernelStrip strip) {
+  const interleaving_tuning tuning = tuning_of(data);
+  const size_t luma = static_cast<size_t>(strip.first * data.size.width);
+  RestoreStrip job{};
+  job.width = data.size.width;
+  job.rows = strip.end - strip.first;
+  job.y_high = data.bytes(kHigh) + luma;
+  job.y_in = job.y_out = data.bytes(kY) + luma;
+  job.uv_in = job.uv_out = data.bytes(kUv) + luma / 2;
+  job.tuning = &tuning;
+  job.blocks = {data.bytes(kLow),         data.bytes(kU),           data.bytes(kV),
+                data.planes[kLow].cols(), data.planes[kLow].rows(), strip.first / 16};
+  restore_planar_strip(job);
+}
+
+void plain_restore_blocks(KernelData& data, KernelStrip strip) {
+  const interleaving_tuning tuning = tuning_of(data);
+  const int width = data.size.width;
+  const auto upsampled = [&](size_t plane, int factor) {
+    return PlainUpsampling{data.bytes(plane), data.planes[plane].cols(), data.planes[plane].rows(),
+                           factor, factor};
+  };
+  for (int i = strip.first * width; i < strip.end * width; ++i) {
+    uint8_t& sample = data.bytes(kY)[i];
+    sample = plain_luma(sample, upsampled(kLow, 16).at(i / width, i % width), data.bytes(kHigh)[i],
+                        tuning);
+  }
+  const int pairs = width / 2;
+  for (int i = strip.first / 2 * pairs; i < strip.end / 2 * pairs; ++i) {
+    uint8_t* pair = data.bytes(kUv) + 2 * i;
+    const int y = i / pairs;
+    const int x = i % pairs;
+    const Pair restored = plain_chroma(
+        {pair[0], pair[1]}, {upsampled(kU, 8).at(y, x), upsampled(kV, 8).at(y, x)}, tuning);
+    pair[0] = restored.first;
+    pair[1] = restored.second;
+  }
 }
 
 void make_restore_planar_apart(KernelData& data) {
