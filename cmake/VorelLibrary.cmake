@@ -2,8 +2,7 @@
 # a static archive that shows the hidden names too.
 find_package(Threads REQUIRED)
 find_package(AndroidLog REQUIRED)
-find_package(PkgConfig REQUIRED)
-pkg_check_modules(JANSSON REQUIRED IMPORTED_TARGET jansson)
+find_package(Jansson REQUIRED)
 
 include(BuildInfo)
 

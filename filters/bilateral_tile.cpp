@@ -74,35 +74,37 @@ void add_table(const TileWorkspace& work, const WeightTable& table, uint8_t larg
   }
 }
 
-// Adds what the window's listed taps give with weights from the polynomial. The tuning is a copy,
-// so that the sums' stores cannot reach it.
-void add_polynomial(const TileWorkspace& work, bilateralfiltering_tuning tuning, int32_t rows,
-                    TileSums* sums) {
+// The tuning is a copy, so that the sums' stores cannot reach it.
+void add_polynomial_tap(const uint8_t* __restrict centre, const uint8_t* __restrict neighbour,
+                        bilateralfiltering_tuning tuning, uint32_t spatial_weight,
+                        uint32_t* __restrict weight_sums, uint32_t* __restrict value_sums) {
+  VOREL_VECTORIZE
+  for (int32_t x = 0; x < kLanes; ++x) {
+    const int32_t difference = std::abs(centre[x] - neighbour[x]);
+    const uint32_t weight =
+        spatial_weight * static_cast<uint32_t>(polynomial_weight(tuning, difference));
+    weight_sums[x] += weight;
+    value_sums[x] += weight * neighbour[x];
+  }
+}
+
+// Adds what the window's listed taps give with weights from the polynomial.
+void add_polynomial(const TileWorkspace& work, const bilateralfiltering_tuning& tuning,
+                    int32_t rows, TileSums* sums) {
   for (int32_t y = 0; y < rows; ++y) {
-    const uint8_t* centre = work.centre.rows[y];
-    const uint8_t* window = work.window.rows[y];
-    uint32_t* __restrict weight_sums = sums->weight[y];
-    uint32_t* __restrict value_sums = sums->value[y];
     for (int32_t r = 0; r < work.taps.run_count; ++r) {
       const TapRun& run = work.taps.runs[r];
       for (int32_t tap = run.first; tap < run.end; ++tap) {
-        const uint8_t* neighbour = window + work.taps.offsets[tap];
-        VOREL_VECTORIZE
-        for (int32_t x = 0; x < kLanes; ++x) {
-          const int32_t difference = std::abs(centre[x] - neighbour[x]);
-          const uint32_t weight =
-              run.spatial_weight * static_cast<uint32_t>(polynomial_weight(tuning, difference));
-          weight_sums[x] += weight;
-          value_sums[x] += weight * neighbour[x];
-        }
+        add_polynomial_tap(work.centre.rows[y], work.window.rows[y] + work.taps.offsets[tap],
+                           tuning, run.spatial_weight, sums->weight[y], sums->value[y]);
       }
     }
   }
 }
 
 // One row of a tile; its columns [first, end) are interior.
-void store_row(const uint32_t* value_sums, const uint32_t* weight_sums, int32_t cols, int32_t first,
-               int32_t end, uint8_t* __restrict dst) {
+void store_row(const uint32_t* __restrict value_sums, const uint32_t* __restrict weight_sums,
+               int32_t cols, int32_t first, int32_t end, uint8_t* __restrict dst) {
   VOREL_VECTORIZE
   for (int32_t x = first; x < end; ++x) dst[x] = interior_mean(value_sums[x], weight_sums[x]);
   for (int32_t x = 0; x < first; ++x) dst[x] = border_mean(value_sums[x], weight_sums[x]);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "platform/vectorize.h"
 #include "vorel/tuning.h"
 
 // Weight of an absolute difference from the polynomial in min(difference, val_delta_th). Sums and
@@ -12,6 +13,7 @@ inline int32_t polynomial_weight(const bilateralfiltering_tuning& tuning, int32_
   const int32_t clamped = difference < tuning.val_delta_th ? difference : tuning.val_delta_th;
   const uint32_t x = static_cast<uint32_t>(clamped);
   uint32_t value = static_cast<uint32_t>(tuning.val_weight_coef[4]);
+  VOREL_UNROLL
   for (int power = 3; power >= 0; --power) {
     value = value * x + static_cast<uint32_t>(tuning.val_weight_coef[power]);
   }

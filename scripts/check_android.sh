@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # What can be said about the Android build without Android's tools: Android.bp is well formed and
 # lists what CMake lists, the sources keep to what Android 11 has, and the library and the programs
-# around it compile in their Android form with the compiler flags of the platform build. The forms
-# are linked against this machine's Arm libraries, with stand-ins for what only Android has; they are
+# around it compile in their Android form with the compiler flags of the platform build: the library
+# for size and with locals of zeros here, for speed and with a pattern with the programs. The forms are linked against this machine's Arm libraries, with stand-ins for what only Android has; they are
 # looked at, not run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -10,13 +10,16 @@ scripts/check_android.py
 
 build=build/android-form
 stand_in=$PWD/scripts/android-stand-in
-flags='-D__ANDROID__ -D__ANDROID_API__=30 -Werror=date-time -ftrivial-auto-var-init=pattern'
+flags='-D__ANDROID__ -D__ANDROID_API__=30 -Werror=date-time -ftrivial-auto-var-init=zero'
+flags+=' -D_FORTIFY_SOURCE=2 -fno-strict-aliasing -fstack-protector-strong -funwind-tables'
 flags+=" -isystem $stand_in -isystem /usr/include/android"
 mkdir -p "$build"
 echo 'int property_get(const char *k, char *v, const char *d) { (void)k; (void)v; (void)d; return 0; }' |
   clang-19 --target=aarch64-linux-gnu -fuse-ld=lld -shared -nostdlib -x c - -o "$build/libcutils.so"
 if ! {
-  cmake --preset aarch64 -B "$build" -DANDROID=ON -DCMAKE_CXX_FLAGS="$flags" \
+  PKG_CONFIG_LIBDIR=/nowhere cmake --preset aarch64 -B "$build" -DANDROID=ON \
+    -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_CXX_FLAGS_RELEASE='-Os -DNDEBUG' \
+    -DJANSSON_LIBRARY=/usr/lib/aarch64-linux-gnu/libjansson.so -DJANSSON_INCLUDE_DIR=/usr/include \
     -DAndroidLog_LIBRARY=/usr/lib/aarch64-linux-gnu/android/liblog.so \
     -DCUTILS_LIBRARY="$PWD/$build/libcutils.so" -DCUTILS_INCLUDE_DIR=/usr/include/android \
     -DVOREL_BUILD_TOOLS=OFF -DVOREL_BUILD_TESTS=OFF -DVOREL_BUILD_BENCH=OFF

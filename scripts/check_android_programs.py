@@ -2,7 +2,9 @@
 """Compiles the tests, benchmarks and fuzz targets of Android.bp as it says, and links each.
 
 What a module lists is all that its program is made of, so a missing source, wrong flags or a call
-that the flags forbid show here. The stand-ins of scripts/check_android.sh serve as Android's
+that the flags forbid show here. The library's own sources are compiled with the platform build's
+global flags, and headers whose copies are fortified as its are: a loop that does not vectorise then
+fails here. The stand-ins of scripts/check_android.sh serve as Android's
 headers, this machine's Arm libraries as Android's; the result is not run.
 
     check_android_programs.py STAND_IN_DIR OUTPUT_DIR
@@ -16,7 +18,10 @@ import sys
 import android_blueprint as blueprint
 
 TARGET = ["clang++-19", "--target=aarch64-linux-gnu"]
-ANDROID = ["-D__ANDROID__", "-D__ANDROID_API__=30", "-std=c++20", "-fPIC", "-O0"]
+ANDROID = ["-D__ANDROID__", "-D__ANDROID_API__=30", "-std=c++20", "-fPIC"]
+PLATFORM = ["-O2", "-D_FORTIFY_SOURCE=2", "-fno-strict-aliasing", "-fstack-protector-strong",
+            "-funwind-tables"]
+PROGRAM_FOLDERS = ("tests/", "bench/", "fuzz/")
 LIBRARY = "libvorel_static"
 LIBRARIES = ["-L/usr/lib/aarch64-linux-gnu/android", "-llog", "-ljansson", "-lgtest", "-lgmock",
              "-lbenchmark", "-lpthread"]
@@ -40,7 +45,8 @@ class Builder:
         includes = ["-I" + path for path in self.modules.words(module, "local_include_dirs")]
         found = []
         for source in self.modules.sources(module):
-            command = [*TARGET, *ANDROID, "-isystem", self.stand_in,
+            level = ["-O0"] if source.startswith(PROGRAM_FOLDERS) else PLATFORM
+            command = [*TARGET, *ANDROID, *level, "-isystem", self.stand_in,
                        "-isystem", "/usr/include/android", *flags, *includes]
             key = hashlib.sha1(" ".join([source, *command]).encode()).hexdigest()[:10]
             name = f"{self.output}/{os.path.basename(source)[:-4]}-{key}.o"

@@ -44,7 +44,7 @@ lacking() {
 # Links abi/listed_declarations.cpp for the library's processor, without any other library.
 link_listed() {
   local target=x86_64-linux-gnu
-  ! llvm-readelf-19 --file-header "$1" | grep -q AArch64 || target=aarch64-linux-gnu
+  [[ $(llvm-readelf-19 --file-header "$1") != *AArch64* ]] || target=aarch64-linux-gnu
   clang++-19 --target=$target -std=c++20 -Wall -Wextra -Werror -Wno-return-type-c-linkage -fPIC \
     -shared -nostdlib -fuse-ld=lld -Wl,-z,defs abi/listed_declarations.cpp "$1" -o /dev/null
 }

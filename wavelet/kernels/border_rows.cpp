@@ -30,21 +30,24 @@ inline _Float16 mean_rule(const _Float16* above, const _Float16* at, const _Floa
 // 0 to 255 are exact in half precision.
 inline _Float16 sample_of(uint8_t pixel) { return static_cast<_Float16>(pixel); }
 
+void split_pairs(const uint8_t* __restrict pairs, _Float16* __restrict first,
+                 _Float16* __restrict second, size_t count) {
+  VOREL_VECTORIZE
+  for (size_t x = 0; x < count; ++x) {
+    first[x] = sample_of(pairs[2 * x]);
+    second[x] = sample_of(pairs[2 * x + 1]);
+  }
+}
+
 }  // namespace
 
 void pad_pairs_row(const uint8_t* pairs, _Float16* first, _Float16* second, const border_cut& cut) {
   const uint8_t* last = pairs + (size_t{cut.inner} - 1) * 2;
   std::fill_n(first, cut.pad, sample_of(pairs[0]));
   std::fill_n(second, cut.pad, sample_of(pairs[1]));
-  _Float16* __restrict inner_first = first + cut.pad;
-  _Float16* __restrict inner_second = second + cut.pad;
-  // A local bound: stores of halves could change the record's where types may alias.
-  const size_t count = cut.inner;
-  VOREL_VECTORIZE
-  for (size_t x = 0; x < count; ++x) {
-    inner_first[x] = sample_of(pairs[2 * x]);
-    inner_second[x] = sample_of(pairs[2 * x + 1]);
-  }
+  _Float16* inner_first = first + cut.pad;
+  _Float16* inner_second = second + cut.pad;
+  split_pairs(pairs, inner_first, inner_second, cut.inner);
   const uint32_t right = cut.width - cut.pad - cut.inner;
   std::fill_n(inner_first + cut.inner, right, sample_of(last[0]));
   std::fill_n(inner_second + cut.inner, right, sample_of(last[1]));

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "platform/vectorize.h"
 #include "wavelet/kernels/half.h"
 
 namespace {
@@ -23,6 +24,7 @@ void sum_rows(const tapped_row<Sample>* rows, _Float16 start, _Float16 scale,
   VOREL_VECTORIZE_HALF
   for (int x = 0; x < width; ++x) {
     half_lane sum = first;
+    VOREL_UNROLL
     for (int i = 0; i < kRows; ++i) {
       const half_lane product = round_half(static_cast<half_lane>(samples[i][x]) * taps[i]);
       sum = round_half(sum + product);
