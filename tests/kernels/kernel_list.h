@@ -21,6 +21,15 @@ DECLARE_KERNEL(restore_planar_half);
 DECLARE_KERNEL(restore_planar_chroma);
 DECLARE_KERNEL(restore_packed);
 DECLARE_KERNEL(restore_packed_chroma);
+DECLARE_KERNEL(sym4_analyse_row);
+DECLARE_KERNEL(sym4_analyse_rows);
+DECLARE_KERNEL(sym4_synthesise_row);
+DECLARE_KERNEL(sym4_synthesise_rows);
+DECLARE_KERNEL(haar_level1);
+DECLARE_KERNEL(haar_directional);
+DECLARE_KERNEL(shrink);
+DECLARE_KERNEL(saturate);
+DECLARE_KERNEL(pad_pairs);
 
 // clang-format off
 inline constexpr Kernel kKernels[] = {
@@ -47,16 +56,23 @@ inline constexpr Kernel kKernels[] = {
     {.name = "restore_uv420", FORMS(restore_planar_chroma), .variants = 18, .strip_step = 2, .width_step = 16},
     {.name = "restore_yuv422", FORMS(restore_packed), .variants = 18, .strip_step = 1, .width_step = 16},
     {.name = "restore_uv422", FORMS(restore_packed_chroma), .variants = 18, .strip_step = 1, .width_step = 16},
+    {.name = "sym4_analyse_row", FORMS(sym4_analyse_row), .strip_step = 1, .width_step = 2, .largest_width = 1001, .frame_shift = 1},
+    {.name = "sym4_analyse_rows", FORMS(sym4_analyse_rows), .strip_step = 1, .largest_width = 1001, .frame_shift = 1,
+     .arm_loops = "Symlet-4 analysis | 2.5 * bordered | wavelet/kernels/sym4_rows.cpp : walk_analysis( :  : 2"},
+    {.name = "sym4_synthesise_row", FORMS(sym4_synthesise_row), .strip_step = 1, .largest_width = 1001, .frame_shift = 1},
+    {.name = "sym4_synthesise_rows", FORMS(sym4_synthesise_rows), .strip_step = 1, .largest_width = 1001, .frame_shift = 1,
+     .arm_loops = "Symlet-4 synthesis | 2.5 * bordered | wavelet/kernels/sym4_rows.cpp : walk_synthesis( :  : 2"},
+    {.name = "shrink_row", FORMS(shrink), .variants = 4, .strip_step = 1, .largest_width = 1001, .frame_shift = 2,
+     .arm_loops = "shrinkage | 1.375 * bordered | wavelet/kernels/shrinkage_rows.cpp : shrink_row( : fcvtl2 fdiv : 2"},
+    {.name = "haar_level1_row", FORMS(haar_level1), .strip_step = 1, .largest_width = 1001, .frame_shift = 2},
+    {.name = "haar_directional_row", FORMS(haar_directional), .strip_step = 1, .largest_width = 1001, .frame_shift = 2,
+     .arm_loops = "Haar, directional rows | bordered / 4 | "
+                  "wavelet/kernels/haar_rows.cpp : split_directional_row<_Float16> :  : 2 || "
+                  "Haar, columns | 15 * bordered / 16 | wavelet/kernels/haar_rows.cpp : sum_tapped_rows<_Float16> :  : 2"},
+    {.name = "saturate_row", FORMS(saturate), .variants = 9, .strip_step = 1, .largest_width = 1001, .frame_shift = 1,
+     .arm_loops = "saturation | luma / 4 | wavelet/kernels/saturation_rows.cpp : saturate_row( : fdiv : 2"},
+    {.name = "pad_pairs_row", FORMS(pad_pairs), .strip_step = 1, .largest_width = 1001, .frame_shift = 1},
 };
-
-// Loops of kernels that have no line yet.
-inline constexpr struct { const char* arm_loops; } kOtherLoops = {
-     .arm_loops = "Symlet-4 analysis | 2.5 * bordered | wavelet/kernels/sym4_rows.cpp : walk_analysis( :  : 2 || "
-                  "Symlet-4 synthesis | 2.5 * bordered | wavelet/kernels/sym4_rows.cpp : walk_synthesis( :  : 2 || "
-                  "shrinkage | 1.375 * bordered | wavelet/kernels/shrinkage_rows.cpp : shrink_row( : fcvtl2 fdiv : 2 || "
-                  "Haar, directional rows | bordered / 4 | wavelet/kernels/haar_rows.cpp : split_directional_row<_Float16> :  : 2 || "
-                  "Haar, columns | 15 * bordered / 16 | wavelet/kernels/haar_rows.cpp : sum_tapped_rows<_Float16> :  : 2 || "
-                  "saturation | luma / 4 | wavelet/kernels/saturation_rows.cpp : saturate_row( : fdiv : 2"};
 // clang-format on
 
 #endif  // VOREL_TESTS_KERNELS_KERNEL_LIST_H_

@@ -6,65 +6,11 @@
 #include "tests/support/guarded_plane.h"
 #include "tests/support/log_capture.h"
 #include "tests/wavelet/plain_half.h"
+#include "tests/wavelet/plain_saturation.h"
 #include "vorel/wavelet/denoise.h"
 #include "wavelet/kernels/saturation_rows.h"
 
 namespace {
-
-struct Curve {
-  float param1, param2, thr1, thr2;
-
-  saturation_curve halves() const {
-    return {static_cast<_Float16>(param1), static_cast<_Float16>(param2),
-            static_cast<_Float16>(thr1), static_cast<_Float16>(thr2)};
-  }
-  std::string text() const {
-    return std::to_string(param1) + ", " + std::to_string(param2) + ", " + std::to_string(thr1) +
-           ", " + std::to_string(thr2);
-  }
-};
-
-const Curve kCurves[] = {
-    {0, 0, 65, 40},            // as without tuning: gain 1
-    {40, 10, 65, 40},          // ramp from 40 to 65
-    {-30, 55.5f, 65.25f, 40},  // falling
-    {25, -100, 40, 65},        // thresholds the other way round: no ramp
-    {25, 5, 50, 50},           // no room for a ramp: 0 to divide by
-    {1000, 300, 10, 0.5f},     // far over the range
-    {0, 0, 65504, -65504},     // a span that overflows
-    {0, 0, 10, -40000},        // distances that overflow
-    {33.3f, 12.1f, 100, -1},   // always on the ramp or above
-};
-
-PlainHalf plain_gain(const saturation_curve& curve, PlainHalf distance) {
-  const PlainHalf p1 = curve.param1, p2 = curve.param2, t1 = curve.thr1, t2 = curve.thr2;
-  PlainHalf percentage = p2;
-  if (distance.value > t1.value) {
-    percentage = p1;
-  } else if (distance.value > t2.value) {
-    percentage = (p1 * (t2 - distance) + p2 * (distance - t1)) / (t2 - t1);
-  }
-  return PlainHalf(1.0) + percentage / PlainHalf(100.0);
-}
-
-uint8_t plain_byte(PlainHalf offset, PlainHalf gain) {
-  const double value = (offset * gain + PlainHalf(128.0) + PlainHalf(0.5)).value;
-  return static_cast<uint8_t>(value > 0 ? std::min(value, 255.0) : 0);
-}
-
-std::vector<uint8_t> saturate_plainly(const Curve& curve, const std::vector<_Float16>& first,
-                                      const std::vector<_Float16>& second) {
-  std::vector<uint8_t> pairs;
-  for (size_t i = 0; i < first.size(); ++i) {
-    const PlainHalf u = PlainHalf(first[i]) - PlainHalf(128.0);
-    const PlainHalf v = PlainHalf(second[i]) - PlainHalf(128.0);
-    const PlainHalf distance = std::fmax(std::fabs(u.value), std::fabs(v.value));
-    const PlainHalf gain = plain_gain(curve.halves(), distance);
-    pairs.push_back(plain_byte(u, gain));
-    pairs.push_back(plain_byte(v, gain));
-  }
-  return pairs;
-}
 
 std::vector<uint8_t> saturate(const Curve& curve, const std::vector<_Float16>& first,
                               const std::vector<_Float16>& second) {
@@ -118,23 +64,6 @@ TEST(SaturationTest, EveryPercentageEqualsThePlainForm) {
     // Bytes hide the last bits of a gain; the quotient itself must be right.
     const _Float16 hundredth = static_cast<_Float16>(static_cast<float>(percentage) * 0.01f);
     ASSERT_EQ(half_bits(hundredth), half_bits(PlainHalf(percentage) / PlainHalf(100.0))) << bits;
-  }
-}
-
-TEST(SaturationTest, RowsOfEveryLengthEqualThePlainForm) {
-  std::mt19937 random(1);
-  for (size_t width = 1; width < 300; width += width < 40 ? 1 : 37) {
-    const std::vector<_Float16> first = random_halves(width, 60, 200, random);
-    const std::vector<_Float16> second = random_halves(width, -20, 280, random);
-    // Only the last pair lies beyond the thresholds.
-    std::vector<_Float16> calm(width, 130);
-    calm.back() = 220;
-    for (const Curve& curve : kCurves) {
-      ASSERT_EQ(saturate(curve, first, second), saturate_plainly(curve, first, second))
-          << curve.text() << ", width " << width;
-      ASSERT_EQ(saturate(curve, calm, calm), saturate_plainly(curve, calm, calm))
-          << curve.text() << ", width " << width;
-    }
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include "tests/support/guarded_plane.h"
 #include "tests/wavelet/plain_half.h"
+#include "tests/wavelet/plain_shrinkage.h"
 #include "vorel/wavelet/denoise.h"
 #include "wavelet/kernels/shrinkage_rows.h"
 
@@ -13,8 +14,6 @@ namespace {
 const _Float16 kSymlet = half_of_bits(0x45D7);
 const _Float16 kHaar = half_of_bits(0x49D7);
 const _Float16 kHaarLow = half_of_bits(0x4FD7);
-
-PlainHalf square(PlainHalf value) { return value * value; }
 
 PlainHalf plain_multiplier(int x, int y, PlainHalf A, PlainHalf B, int cx, int cy) {
   if (A.value == 0) return 1.0;
@@ -25,14 +24,6 @@ PlainHalf plain_multiplier(int x, int y, PlainHalf A, PlainHalf B, int cx, int c
       square(PlainHalf(double(x)) / unit) + square(PlainHalf(double(y)) / unit);
   const PlainHalf growth = PlainHalf(3.0) * A / corner * distance;
   return (growth.value < B.value ? growth : B) + PlainHalf(1.0);
-}
-
-PlainHalf plain_shrink(PlainHalf v, PlainHalf thr, PlainHalf m, PlainHalf S) {
-  const PlainHalf t = thr / (S * S);
-  const PlainHalf u = v / S;
-  const PlainHalf power = square(u);
-  if (power.value == 0) return 0.0;
-  return (S * u) * (power / (t * m + power));
 }
 
 std::vector<_Float16> shrink_plainly(std::vector<_Float16> data, _Float16 thr, _Float16 A,

@@ -14,17 +14,6 @@ namespace {
 
 const _Float16 kUntouched = half_of_bits(0x5A5A);
 
-enum class Content { kChroma, kAnyBits };
-
-std::vector<_Float16> make_samples(size_t count, Content content, std::mt19937& random) {
-  if (content == Content::kChroma) return random_halves(count, -300, 300, random);
-  std::vector<_Float16> samples;
-  for (size_t i = 0; i < count; ++i) {
-    samples.push_back(half_of_bits(static_cast<uint16_t>(random())));
-  }
-  return samples;
-}
-
 // A row that ends at an unreadable page.
 struct Row {
   explicit Row(const std::vector<_Float16>& values)
@@ -38,16 +27,6 @@ struct Row {
   std::unique_ptr<GuardedPlane<_Float16>> samples;
 };
 
-PlainPlane plane_of(const std::vector<_Float16>& row) {
-  PlainPlane plane(static_cast<int>(row.size()), 1);
-  plane.samples = row;
-  return plane;
-}
-
-void expect_row(const Row& actual, const PlainPlane& expected) {
-  EXPECT_EQ(half_bits(actual.values()), half_bits(expected.samples));
-}
-
 // Through no output, whole vectors and every tail, and across the pieces of a long row.
 std::vector<int> row_widths() {
   std::vector<int> widths;
@@ -55,48 +34,6 @@ std::vector<int> row_widths() {
   for (const int width : {516, 519, 520, 521, 522, 555, 1032, 1036}) widths.push_back(width);
   return widths;
 }
-
-// Vertical passes go through the same two walks; the passes over planes test them.
-class Sym4Rows : public testing::TestWithParam<Content> {
- protected:
-  std::vector<_Float16> samples(int count) {
-    return make_samples(static_cast<size_t>(count), GetParam(), random_);
-  }
-  std::mt19937 random_{17};
-};
-
-TEST_P(Sym4Rows, HorizontalAnalysisEqualsThePlainForm) {
-  for (const int width : row_widths()) {
-    SCOPED_TRACE(width);
-    const Row src(samples(width));
-    const Row low(width / 2);
-    const Row high(width / 2);
-    PlainPlane expected_low(width / 2, 1, kUntouched);
-    PlainPlane expected_high(width / 2, 1, kUntouched);
-    plain_analyse(plane_of(src.values()), false, &expected_low, &expected_high);
-    sym4_analyse_row(src.data(), low.data(), high.data(), width);
-    expect_row(low, expected_low);
-    expect_row(high, expected_high);
-    if (HasFailure()) return;
-  }
-}
-
-TEST_P(Sym4Rows, HorizontalSynthesisEqualsThePlainForm) {
-  for (int width : row_widths()) {
-    width /= 2;
-    SCOPED_TRACE(width);
-    const Row low(samples(width));
-    const Row high(samples(width));
-    const Row out(static_cast<size_t>(2 * width));
-    PlainPlane expected(2 * width, 1, kUntouched);
-    plain_synthesise(plane_of(low.values()), plane_of(high.values()), 1, width, false, &expected);
-    sym4_synthesise_row(low.data(), high.data(), out.data(), width);
-    expect_row(out, expected);
-    if (HasFailure()) return;
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(Contents, Sym4Rows, testing::Values(Content::kChroma, Content::kAnyBits));
 
 TEST(Sym4RowsOfBytes, EqualTheSameNumbersInHalfPrecision) {
   std::mt19937 random(3);
