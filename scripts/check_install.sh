@@ -21,7 +21,7 @@ fail() {
 if leaks=$(grep -rnIE "$PWD|$work|/usr/lib|/usr/include|/tmp" "$libdir/cmake" "$libdir/pkgconfig"); then
   fail "paths of this machine: $leaks"
 fi
-for path in bin/vorel include/vorel/vorel.h share/vorel/tuning/vorel_NOTHING.json share/man/man1/vorel.1; do
+for path in bin/vorel include/vorel/vorel.h share/vorel/tuning/vorel_NOTHING.json share/vorel/vorel_tuning.schema.json share/man/man1/vorel.1; do
   [ -e "$prefix/$path" ] || fail "$path is missing"
 done
 for header in $(git ls-files 'include/*.h'); do

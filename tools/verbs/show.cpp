@@ -1,6 +1,6 @@
 #include "tools/verbs/show.h"
 
-#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <vector>
 
@@ -131,7 +131,8 @@ class Show {
     const auto [lower, upper] = levels_around(loaded_, noise_index);
     const int from = loaded_.level(lower);
     if (lower != upper) {
-      const double part = 100.0 * (noise_index - from) / (loaded_.level(upper) - from);
+      const double distance = static_cast<double>(loaded_.level(upper)) - from;
+      const double part = 100 * (static_cast<double>(noise_index) - from) / distance;
       char text[96];
       std::snprintf(text, sizeof(text), "%.1f %% of the way from level %d to level %d", part, from,
                     loaded_.level(upper));
@@ -178,7 +179,9 @@ class Show {
     if (any_built_in) std::printf("\n  * built in, not from the file\n");
   }
 
+  // JSON has no infinity.
   [[nodiscard]] json_t* json_number(const KnownKey& known, double value) const {
+    if (!std::isfinite(value)) return json_null();
     return known.is_real() ? json_real(value) : json_integer(static_cast<json_int_t>(value));
   }
 

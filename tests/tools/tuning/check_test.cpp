@@ -55,7 +55,7 @@ TEST(TuningCheck, FollowsTextsAsJanssonReadsThem) {
   std::mt19937 random(8);
   const auto below = [&random](size_t count) { return random() % count; };
   int broken = 0;
-  for (int round = 0; round < 20000; ++round) {
+  for (int round = 0; round < 6000; ++round) {
     std::string text = whole.substr(0, 700);
     for (size_t edits = 1 + below(3); edits > 0; --edits) {
       const size_t at = below(text.size());
@@ -87,7 +87,7 @@ TEST(TuningCheck, FollowsTextsAsJanssonReadsThem) {
     broken += json == nullptr ? 1 : 0;
     json_decref(json);
   }
-  EXPECT_GT(broken, 5000);
+  EXPECT_GT(broken, 1500);
 }
 
 TEST(TuningCheck, KnowsSomethingOfEveryKey) {

@@ -67,6 +67,15 @@ TEST_F(Show, NamesLevelsThatNoFrameReaches) {
   EXPECT_THAT(show({}), HasSubstr("out of reach levels 100, 400: no frame uses them"));
 }
 
+TEST_F(Show, HasNoNumberForInfinity) {
+  for (const BrokenCase& one : read_cases().second) {
+    if (one.name == "infinite_threshold") write_text(directory / "vorel_WT1200.json", one.text);
+  }
+  json_t* report = json_loads(show({"-n", "6400", "--json"}).c_str(), 0, nullptr);
+  EXPECT_GT(json_array_size(json_object_get(report, "values")), 20u);
+  json_decref(report);
+}
+
 TEST_F(Show, DrawsEveryTableOfAnyTuning) {
   show({"--plot", directory / "curves.svg"});
   const std::string drawn = read_text(directory / "curves.svg");
