@@ -16,7 +16,8 @@ class BenchHandle {
   BenchHandle(const FrameSize& size, Paths paths)
       : size_(size), frame_(make_bench_plane(size.frame_bytes(), 5)) {
     set_log_sink<drop_line>();
-    handle_ = vorel_init(size.width, size.height, VOREL_SCENARIO_CAPTURE, 0);
+    const vorel_options options = vorel_default_options(size.width, size.height);
+    handle_ = vorel_open(&options, nullptr);
     handle_->tuning.enableNoiseIndex = 0;
     handle_->tuning.enable = paths != Paths::kWavelet ? 1 : 0;
     handle_->tuning.mfd_uv_tuning.enable = paths != Paths::kSpatial ? 1 : 0;
@@ -26,10 +27,11 @@ class BenchHandle {
   BenchHandle& operator=(const BenchHandle&) = delete;
 
   void run(int noise_index) {
-    vorel_run(handle_, frame_.data(), frame_.data() + size_.luma_bytes(), size_.width, size_.height,
-              VOREL_FMT_NV21, noise_index);
+    const vorel_frame frame{sizeof(frame), frame_.data(),     frame_.data() + size_.luma_bytes(),
+                            size_.width,   size_.width,       size_.width,
+                            size_.height,  VOREL_LAYOUT_NV21, noise_index};
+    benchmark::DoNotOptimize(vorel_denoise_frame(handle_, &frame, nullptr));
   }
-  void release() { vorel_release_frame_buffers(handle_); }
 
   // The record of a frame whose workers are up, for calling stages one by one.
   vorel_thread* hold_frame() {
@@ -58,10 +60,7 @@ void register_stage(const std::string& name, int (*stage)(vorel_thread*), Paths 
 void register_frame(const std::string& name, Paths paths) {
   register_for_frames("frame/" + name, [paths](benchmark::State& state, const FrameSize& size) {
     BenchHandle handle(size, paths);
-    for (auto _ : state) {
-      handle.run(640);
-      handle.release();
-    }
+    for (auto _ : state) handle.run(640);
   });
 }
 

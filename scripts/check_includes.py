@@ -56,7 +56,7 @@ SEAMS = {
     r"android/log\.h": ["platform", "tools", "tests", "bench", "fuzz"],
     r"cutils/.*": ["platform"],
     r"jansson\.h": ["tuning", "core", "tools", "tests", "bench", "fuzz"],
-    r"pthread\.h": ["platform", "threading", "core", "tests"],
+    r"pthread\.h": ["platform", "threading", "core", "tests", "examples"],
     r"(thread|mutex|condition_variable|future)": ["tools", "tests", "bench", "fuzz", "examples"],
     r"sys/(syscall|resource|prctl)\.h|sched\.h": ["platform", "tests", "tools"],
 }

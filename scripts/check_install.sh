@@ -43,10 +43,13 @@ for example in c cpp; do
 done
 read -ra flags <<<"$(pkg-config --cflags --libs vorel)"
 strict=(-Wall -Wextra -Werror)
+flags+=("-Wl,-rpath,$(pkg-config --variable=libdir vorel)")
 "$CC" -std=c99 "${strict[@]}" -o "$work/c/by_pkg_config" "$work/c/main.c" "${flags[@]}"
 "$CXX" -std=c++17 "${strict[@]}" -o "$work/cpp/by_pkg_config" "$work/cpp/main.cpp" "${flags[@]}"
 
-for program in c/build/denoise_frames c/by_pkg_config cpp/build/filter_plane cpp/by_pkg_config; do
+unset LD_LIBRARY_PATH
+for program in c/build/{denoise_frames,camera_buffer,two_cameras} c/by_pkg_config \
+    cpp/build/filter_plane cpp/by_pkg_config; do
   "$work/$program" 2>"$work/log" || { cat "$work/log"; fail "$program failed"; }
 done
 echo "install: library, package and examples work from another place"

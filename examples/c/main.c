@@ -1,4 +1,4 @@
-/* A whole integration in C: one handle, a few frames, the frame buffers dropped after each.
+/* A whole integration in C: one handle, a few frames, and what became of each.
  *
  *   denoise_frames [SENSOR_ID]
  *
@@ -9,7 +9,7 @@
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
-#include <vorel/vorel.h>
+#include <vorel/frame.h>
 
 enum { kWidth = 640, kHeight = 480, kFrames = 3, kNoiseIndex = 40960 };
 
@@ -30,7 +30,7 @@ static void make_frame(uint8_t* frame, uint32_t seed) {
     *chroma++ = (uint8_t)(120 + next_random(&seed) / 16);
 }
 
-/* Mean squared distance of the chroma plane from neutral. */
+/* Mean squared distance of the chroma plane from its mean value. */
 static double chroma_noise(const uint8_t* frame) {
   const uint8_t* chroma = frame + kWidth * kHeight;
   double sum = 0;
@@ -42,30 +42,36 @@ static double chroma_noise(const uint8_t* frame) {
 }
 
 int main(int argc, char** argv) {
-  const unsigned sensor = argc > 1 ? (unsigned)strtoul(argv[1], NULL, 0) : 0;
-  uint8_t* frame = malloc(kWidth * kHeight * 3 / 2);
-  if (frame == NULL) return EXIT_FAILURE;
+  uint8_t* pixels = malloc(kWidth * kHeight * 3 / 2);
+  if (pixels == NULL) return EXIT_FAILURE;
 
-  vorel* handle = vorel_init(kWidth, kHeight, VOREL_SCENARIO_CAPTURE, sensor);
+  vorel_options options = vorel_default_options(kWidth, kHeight);
+  if (argc > 1) options.sensor_id = (uint32_t)strtoul(argv[1], NULL, 0);
+  vorel_status status = VOREL_DONE;
+  vorel* handle = vorel_open(&options, &status);
   if (handle == NULL) {
-    fputs("vorel_init failed; the log tells why\n", stderr);
-    free(frame);
+    fprintf(stderr, "vorel_open: %s\n", vorel_status_text(status));
+    free(pixels);
     return EXIT_FAILURE;
   }
 
-  int changed = 0;
+  int done = 0;
   for (int i = 0; i < kFrames; ++i) {
-    make_frame(frame, (uint32_t)i);
-    const double before = chroma_noise(frame);
-    vorel_run(handle, frame, frame + kWidth * kHeight, kWidth, kHeight, VOREL_FMT_NV21,
-              kNoiseIndex);
-    vorel_release_frame_buffers(handle);
-    const double after = chroma_noise(frame);
-    printf("frame %d: chroma noise %.2f -> %.2f\n", i, before, after);
-    changed |= before != after;
+    make_frame(pixels, (uint32_t)i);
+    const double before = chroma_noise(pixels);
+    const vorel_frame frame = {
+        sizeof(frame), pixels,  pixels + kWidth * kHeight, kWidth,     kWidth,
+        kWidth,        kHeight, VOREL_LAYOUT_NV21,         kNoiseIndex};
+    vorel_frame_info info = {0};
+    info.size = sizeof(info);
+    status = vorel_denoise_frame(handle, &frame, &info);
+    printf("frame %d: chroma noise %.2f -> %.2f, %.1f ms on %d workers. %s\n", i, before,
+           chroma_noise(pixels), (double)info.total_usec / 1000, (int)info.workers,
+           vorel_status_text(status));
+    done += status == VOREL_DONE;
   }
 
-  const int released = vorel_deinit(handle);
-  free(frame);
-  return released == 0 && changed ? EXIT_SUCCESS : EXIT_FAILURE;
+  vorel_deinit(handle);
+  free(pixels);
+  return done == kFrames ? EXIT_SUCCESS : EXIT_FAILURE;
 }

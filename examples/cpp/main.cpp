@@ -1,5 +1,6 @@
-// The C++ interface behind the three calls: a plane is cut into tiles of rows and the column box
-// filter runs on them as jobs of a thread pool.
+// The C++ interface behind the frame call: a plane is cut into tiles of rows and the column box
+// filter runs on them as jobs of a thread pool. At the plane's top and bottom the filter mirrors
+// about its tile, so tiles of other heights give other bytes there and the same elsewhere.
 #include <vorel/filters.h>
 #include <vorel/thread_pool.h>
 #include <vorel/tiles.h>
@@ -26,7 +27,7 @@ std::vector<uint8_t> make_striped_plane() {
   return plane;
 }
 
-// Largest difference between neighbouring rows.
+// Largest difference between neighbouring rows; all columns are alike.
 int roughness(const std::vector<uint8_t>& plane) {
   int largest = 0;
   for (int row = 1; row < kHeight; ++row) {
@@ -70,7 +71,9 @@ int main() {
     std::fputs("the thread pool did not start; the log tells why\n", stderr);
     return 1;
   }
-  for (box_filter_job& job : jobs) pool.addWork(box_filter_col, &job);
+  for (box_filter_job& job : jobs) {
+    if (pool.addWork(box_filter_col, &job) != 0) box_filter_col(&job);  // memory is short
+  }
   pool.wait();
   pool.deinit();
 

@@ -1,9 +1,15 @@
 /* libvorel: the frame call. What vorel.h does, with a status, strides, any size and options.
  *
- * vorel_open, then vorel_denoise_frame for every frame, then vorel_deinit. Handles of vorel_open
- * and of vorel_init are of one type, and both calls may be used on either. This header compiles as
- * C99 and as C++. Records start with their size, so that later versions can add fields at the end:
- * fill them with the functions below, then set what should differ. */
+ *   vorel_options options = vorel_default_options(1920, 1080);
+ *   vorel *handle = vorel_open(&options, NULL);
+ *   vorel_frame frame = {sizeof(frame), y, vu, 1920, 1920, 1920, 1080, VOREL_LAYOUT_NV21, iso};
+ *   vorel_status status = vorel_denoise_frame(handle, &frame, NULL);    every frame
+ *   vorel_deinit(handle);
+ *
+ * Handles of vorel_open and of vorel_init are of one type, and both calls may be used on either.
+ * This header compiles as C99 and as C++. Records start with their size, so that later versions can
+ * add fields at the end: fill them with zeros or with the functions below, then set what should
+ * differ. */
 #ifndef VOREL_FRAME_H_
 #define VOREL_FRAME_H_
 
@@ -27,12 +33,12 @@ typedef enum vorel_status {
   VOREL_BAD_RECORD = -2, /* null, or its size field is no record's of this or an earlier version */
   VOREL_BAD_PLANE = -3,  /* null plane */
   VOREL_BAD_STRIDE = -4, /* fewer bytes than a row of the plane has */
-  VOREL_BAD_SIZE = -5,   /* below 2 x 2, or larger than the handle's planes */
+  VOREL_BAD_SIZE = -5,   /* below 2 x 2, or larger than the handle's planes or 2^31 - 1 pixels */
   VOREL_BAD_LAYOUT = -6, /* no VOREL_LAYOUT_* */
   VOREL_BAD_OPTION = -7, /* an option of vorel_open is out of range */
   VOREL_BAD_TUNING = -8, /* the tuning named in the options cannot be read or is no tuning */
   VOREL_NO_MEMORY = -9,
-  VOREL_NO_THREADS = -10,   /* a thread could not be started */
+  VOREL_NO_THREADS = -10,   /* a thread or the pool of workers could not be started */
   VOREL_NO_PROCESSOR = -11, /* the processor lacks instructions that the library needs */
 } vorel_status;
 
@@ -67,7 +73,8 @@ enum {
   VOREL_STAGE_COUNT = 5
 };
 
-/* What happened to one frame. */
+/* What happened to one frame. Of a frame below the gate the fields from `noise_index` to `wavelet`
+ * that the gate knows are set, of a refused one the status only; the others are 0. */
 typedef struct vorel_frame_info {
   size_t size; /* sizeof(vorel_frame_info), set by the caller before the call */
   int32_t status;
@@ -90,19 +97,23 @@ typedef struct vorel_frame_info {
   float CSatParam2;
   float CSatThr1;
   float CSatThr2;
-  int64_t
-      stage_usec[VOREL_STAGE_COUNT]; /* wall-clock microseconds; 0 for a stage that did not run */
-  int64_t total_usec;                /* of the whole call */
-  int32_t dumps_written;             /* files, at debug levels with dumps */
-  int32_t dumps_failed;              /* files that could not be written completely */
-  int32_t dumps_error;               /* errno of the first of those, 0 without one */
+  /* Elapsed microseconds; 0 for a stage that did not run. */
+  int64_t stage_usec[VOREL_STAGE_COUNT];
+  int64_t total_usec;    /* of the whole call */
+  int32_t dumps_written; /* files, at debug levels with dumps */
+  int32_t dumps_failed;  /* files that could not be written completely */
+  int32_t dumps_error;   /* errno of the first of those, 0 without one */
 } vorel_frame_info;
 
 /* Denoises one frame in place and returns when it is done. Never waits for ever, keeps no pointer,
  * leaves no memory behind. `info` may be null. A frame whose width is no multiple of 16, whose
  * height is odd or whose rows are not dense is copied to planes that the handle keeps, continued by
- * repeating its last column and row, and copied back. Calls on one handle are processed one after
- * the other. */
+ * repeating its last column and row, and copied back; dumps show it as it stands there. Both chroma
+ * planes are treated alike, so NV12 gives the bytes of NV21 with each pair swapped.
+ *
+ * Frames may differ in size as long as their whole 16 x 16 blocks hold no more pixels than those of
+ * the handle's size. Calls on one handle, from any threads, are processed one after the other; they
+ * must not overlap with vorel_deinit. */
 VOREL_EXPORT vorel_status vorel_denoise_frame(vorel* handle, const vorel_frame* frame,
                                               vorel_frame_info* info);
 
@@ -116,8 +127,8 @@ typedef struct vorel_options {
   int32_t workers;    /* worker threads, 1..64 (6) */
   uint32_t cpu_mask;  /* CPUs of the workers, bit 0 = CPU 0 (0xFF) */
   int32_t nice;       /* nice value of the thread that drives a frame, -20..19 (-8) */
-  const char*
-      thread_name; /* workers are "<thread_name>-0-<index>"; at most 8 characters ("vorel") */
+  /* Workers are "<thread_name>-0-<index>"; 1 to 8 characters ("vorel"). */
+  const char* thread_name;
   const char* tuning_path;  /* a tuning file of any name instead of the sensor's, or null (null) */
   const char* tuning_text;  /* a tuning file's text instead of a file, or null (null) */
   size_t tuning_text_bytes; /* of tuning_text, without a terminator */
@@ -142,7 +153,8 @@ static inline vorel_options vorel_default_options(int32_t width, int32_t height)
 
 /* Creates a handle; the caller releases it with vorel_deinit. Nothing of `options` is kept. Null
  * when refused; `status`, which may be null, says why. A tuning that was named in the options must
- * be usable; the sensor's own may be missing, as for vorel_init. */
+ * be usable, and one of file and text may be named; the sensor's own may be missing, as for
+ * vorel_init. Safe to call from several threads at once. */
 VOREL_EXPORT vorel* vorel_open(const vorel_options* options, vorel_status* status);
 
 /* What a handle was made with. */

@@ -27,7 +27,9 @@ class VOREL_EXPORT ThreadPool {
   /// Starts `numThreads` workers (none if negative) named "vorel-<nameTag>-<index>", each bound to
   /// the CPUs of the bit mask `affinityMask`, and returns when all of them run.
   /// Returns 0, or -1 (logged) when memory is short or a thread cannot be created; then no worker
-  /// runs. With 0 workers queued jobs never run and `wait` blocks.
+  /// runs. With 0 workers queued jobs never run and `wait` blocks. A second `init` without `deinit`
+  /// lets the running jobs finish, drops the queued ones and stops the workers before it starts the
+  /// new ones.
   int init(int numThreads, int affinityMask, int nameTag);
 
   /// The same with workers named "<threadName>-<nameTag>-<index>"; at most 8 characters of

@@ -1,6 +1,14 @@
 /* libvorel: software chroma noise reduction for NV21 camera frames.
  *
  * One handle per camera stream: vorel_init, then vorel_run for every frame, then vorel_deinit.
+ * These calls are for processes that already use them; new ones take vorel/frame.h, whose calls
+ * tell a status and take strides, any size and options.
+ *
+ * What processes that used earlier builds of these calls may notice: vorel_init refuses processors
+ * that lack instructions, and handles without a thread pool; vorel_run refuses frames that its
+ * planes cannot hold, really waits for another caller's frame on the same handle, and skips stages
+ * whose half-precision planes or workers are missing. Each of these is an error line that there was
+ * not. A dump of a frame in two planes holds both of them.
  * This header compiles as C99 and as C++. */
 #ifndef VOREL_VOREL_H_
 #define VOREL_VOREL_H_
@@ -21,7 +29,7 @@ extern "C" {
 #define VOREL_SCENARIO_CAPTURE 0
 #define VOREL_SCENARIO_PREVIEW 1
 
-/* State of one camera stream. Only the functions below look inside. */
+/* State of one camera stream. Only the functions of the library look inside. */
 typedef struct vorel vorel;
 
 /* Creates a handle for frames of `width` x `height` luma pixels.
@@ -59,18 +67,22 @@ VOREL_EXPORT vorel* vorel_init(int width, int height, int scenario, unsigned int
  *
  * Callers on different threads may share a handle; their frames are processed one after the other.
  *
- * The result is not a status: null for a null handle, `handle` for a frame that was skipped or
- * refused before processing, else an address inside the handle. Failures go to the log (tag
- * "VOREL"). */
+ * The result is not a status: null for a null handle; `handle` for a frame that is as it was,
+ * because it lies below the threshold, was refused for its planes or size, or because the thread
+ * that starts the workers could not be created; else an address inside the handle, which says only
+ * that the call went further (a refused format, a frame without workers and a denoised frame look
+ * alike). Failures go to the log (tag "VOREL"). */
 VOREL_EXPORT void* vorel_run(vorel* handle, void* in_address_1, void* in_address_2, int width,
                              int height, int format, int noiseIndex);
 
-/* Frees the half-precision planes of the handle's last frame and forgets them, so that memory stays
- * flat over many frames. Waits for a frame in flight on another thread, for ever if the slot stays
- * taken (see vorel_run). Does nothing for a null handle or when there are no planes. Must not
- * overlap with vorel_deinit. Callers that share a handle must hold a lock of their own from
- * vorel_run to this call: a frame of another caller in between would make the handle forget this
- * frame's planes. */
+/* Hands the half-precision planes of the last frame back to the handle, which uses them for the
+ * next frame that they are large enough for, so that memory stays flat over many frames and no
+ * frame waits for fresh pages. vorel_deinit frees them. Waits for a frame in flight on another
+ * thread, for ever if the slot stays taken (see vorel_run). Does nothing for a null handle or when
+ * there are no planes. Must not overlap with vorel_deinit. Callers that share a handle must hold a
+ * lock of their own from vorel_run to this call: a vorel_run of another caller in between would
+ * make the handle forget this frame's planes. vorel_denoise_frame (vorel/frame.h) does all of this
+ * itself. */
 VOREL_EXPORT void vorel_release_frame_buffers(vorel* handle);
 
 /* Releases the handle and everything it owns. Returns 0, or -1 (logged) when `handle` is null.

@@ -1,6 +1,6 @@
 // Every line of the log that calls leave, in order and with their results: data/lines holds scripts
 // of calls, each followed by what is expected of it. data/lines/README.md tells the commands.
-// After a wanted change: VOREL_PRINT_LINES=1 core_test --gtest_filter='Lines*' prints the scripts
+// After a wanted change: VOREL_PRINT_LINES=1 core_test --gtest_filter='Lines*' writes the scripts
 // with what the calls leave now.
 #include <android/log.h>
 #include <gtest/gtest.h>
