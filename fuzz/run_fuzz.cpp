@@ -11,7 +11,7 @@
 #include "core/handle.h"
 #include "tests/support/guarded_plane.h"
 #include "vorel/filters.h"
-#include "vorel/vorel.h"
+#include "vorel/frame.h"
 
 namespace {
 
@@ -68,23 +68,44 @@ void fill_tuning(FuzzedDataProvider& input, cnr_tuning& tuning) {
   }
 }
 
+size_t plane_bytes(int row_bytes, int rows, int stride) {
+  if (rows == 0 || stride < row_bytes) return 0;
+  return static_cast<size_t>(stride) * static_cast<size_t>(rows - 1) +
+         static_cast<size_t>(row_bytes);
+}
+
 void run_frame(FuzzedDataProvider& input, vorel* handle) {
   // Steps of one now and then: sizes that the library refuses.
   const int width = input.ConsumeBool() ? 16 * input.ConsumeIntegralInRange(1, kLargestWidth / 16)
                                         : input.ConsumeIntegralInRange(0, kLargestWidth);
   const int height = input.ConsumeIntegralInRange(0, kLargestHeight);
   const auto guard = input.ConsumeBool() ? GuardedBytes::Guard::kEnd : GuardedBytes::Guard::kStart;
-  const size_t row = static_cast<size_t>(width);
-  GuardedBytes luma(row * static_cast<size_t>(height), guard);
-  GuardedBytes chroma(row * static_cast<size_t>(height / 2), guard);
+  // The frame call takes any size and stride, and planes that end with their last row.
+  const bool by_frame_call = input.ConsumeBool();
+  const int luma_stride = width + (by_frame_call ? input.ConsumeIntegralInRange(-1, 40) : 0);
+  const int chroma_stride =
+      by_frame_call ? (width + 1) / 2 * 2 + input.ConsumeIntegralInRange(-1, 40) : width;
+  GuardedBytes luma(plane_bytes(width, height, luma_stride), guard);
+  GuardedBytes chroma(by_frame_call
+                          ? plane_bytes((width + 1) / 2 * 2, (height + 1) / 2, chroma_stride)
+                          : plane_bytes(width, height / 2, width),
+                      guard);
   std::mt19937 random(input.ConsumeIntegral<uint32_t>());
   const Pattern pattern = input.PickValueInArray(kAllPatterns);
   fill_pattern(luma.data(), luma.size(), pattern, random);
   fill_pattern(chroma.data(), chroma.size(), pattern, random);
 
+  const int noise_index = any_int(input, 0, 50000);
+  if (by_frame_call) {
+    const vorel_frame frame{sizeof(frame), luma.data(),       chroma.data(),
+                            luma_stride,   chroma_stride,     width,
+                            height,        VOREL_LAYOUT_NV12, noise_index};
+    vorel_denoise_frame(handle, &frame, nullptr);
+    return;
+  }
   // Other formats keep the handle's slot for good.
   const int format = input.ConsumeBool() ? VOREL_FMT_NV21 : VOREL_FMT_NM21;
-  vorel_run(handle, luma.data(), chroma.data(), width, height, format, any_int(input, 0, 50000));
+  vorel_run(handle, luma.data(), chroma.data(), width, height, format, noise_index);
   vorel_release_frame_buffers(handle);
 }
 
