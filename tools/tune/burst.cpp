@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <numeric>
 
 #include "tools/files/failure.h"
 
@@ -15,8 +16,8 @@ constexpr size_t kFewestFrames = 8;  // their mean keeps an eighth of the noise
 constexpr double kMovedShare = 0.002;
 constexpr double kClippedShare = 0.02;
 // A block moved when its mean is off by so many deviations of blocks, and by one step at least.
-constexpr double kMovedDeviations = 6.0;
-constexpr double kMovedSteps = 1.0;
+constexpr float kMovedDeviations = 6.0F;
+constexpr float kMovedSteps = 1.0F;
 // Mean luma of a frame may differ from the burst's by so many steps.
 constexpr double kLightSteps = 1.0;
 constexpr int kBlock = 16;  // luma samples; 16 samples of 8 chroma pairs
@@ -62,12 +63,14 @@ double clipped_share(const Nv21Frame& frame, const std::vector<float>& mean) {
   return static_cast<double>(clipped) / static_cast<double>(mean.size());
 }
 
+using Differences = std::vector<float>;
+
 // The deviation of values around 0, whatever a few of them do.
-double robust_deviation(std::vector<float> values) {
+float robust_deviation(Differences values) {
   for (float& value : values) value = std::fabs(value);
   const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
   std::nth_element(values.begin(), middle, values.end());
-  return 1.4826 * static_cast<double>(*middle);
+  return 1.4826F * *middle;
 }
 
 std::string percent(double share) {
@@ -76,20 +79,30 @@ std::string percent(double share) {
   return text;
 }
 
-void check_still(const std::string& name, const std::vector<float>& differences, double bound) {
-  const auto moved = std::count_if(differences.begin(), differences.end(),
-                                   [bound](float d) { return std::fabs(d) > bound; });
-  const double share = static_cast<double>(moved) / static_cast<double>(differences.size());
-  if (share <= kMovedShare) return;
-  throw input_error(name, "shows something else than the rest of its burst in " + percent(share) +
-                              " of the picture: something moved, or the light changed");
+// Blocks of one plane, every frame's against the mean's. A frame that moved as a whole must not
+// pass as a noisy one: all are held to the usual noise.
+void check_still(const std::vector<std::string>& names, const std::vector<Differences>& frames) {
+  std::vector<float> deviations;
+  for (const Differences& differences : frames) {
+    deviations.push_back(robust_deviation(differences));
+  }
+  const auto middle = deviations.begin() + static_cast<ptrdiff_t>(deviations.size() / 2);
+  std::nth_element(deviations.begin(), middle, deviations.end());
+  const float bound = std::max(kMovedSteps, kMovedDeviations * *middle);
+  for (size_t i = 0; i < frames.size(); ++i) {
+    const auto moved = std::count_if(frames[i].begin(), frames[i].end(),
+                                     [bound](float d) { return std::fabs(d) > bound; });
+    const double share = static_cast<double>(moved) / static_cast<double>(frames[i].size());
+    if (share <= kMovedShare) continue;
+    throw input_error(names[i], "shows something else than the rest of its burst in " +
+                                    percent(share) +
+                                    " of the picture: something moved, or the light changed");
+  }
 }
 
-// The first differences are those of luma.
-void check_light(const std::string& name, const std::vector<float>& differences, size_t luma) {
-  double sum = 0.0;
-  for (size_t i = 0; i < luma; ++i) sum += static_cast<double>(differences[i]);
-  if (std::fabs(sum) <= kLightSteps * static_cast<double>(luma)) return;
+void check_light(const std::string& name, const Differences& luma) {
+  const double sum = std::accumulate(luma.begin(), luma.end(), 0.0);
+  if (std::fabs(sum) <= kLightSteps * static_cast<double>(luma.size())) return;
   throw input_error(name, sum > 0 ? "is brighter than the rest of its burst"
                                   : "is darker than the rest of its burst");
 }
@@ -120,23 +133,24 @@ void Burst::check() const {
   }
   std::vector<float> mean(sums_.begin(), sums_.end());
   for (float& value : mean) value /= static_cast<float>(size());
-  const std::vector<float> scene = block_means(mean, frames_.front());
-  std::vector<std::vector<float>> differences;
-  std::vector<float> deviations;
-  for (const Nv21Frame& frame : frames_) {
-    differences.push_back(block_means({frame.data.begin(), frame.data.end()}, frame));
-    for (size_t i = 0; i < scene.size(); ++i) differences.back()[i] -= scene[i];
-    deviations.push_back(static_cast<float>(robust_deviation(differences.back())));
-  }
-  // A frame that moved as a whole must not pass as a noisy one: all are held to the usual noise.
-  const auto middle = deviations.begin() + static_cast<ptrdiff_t>(deviations.size() / 2);
-  std::nth_element(deviations.begin(), middle, deviations.end());
-  const double bound = std::max(kMovedSteps, kMovedDeviations * static_cast<double>(*middle));
-  const auto luma_blocks = static_cast<size_t>(frames_[0].width / kBlock) *
-                           static_cast<size_t>(frames_[0].height / kBlock);
+  const Differences scene = block_means(mean, frames_.front());
+  const ptrdiff_t luma_blocks =
+      ptrdiff_t{frames_[0].width / kBlock} * ptrdiff_t{frames_[0].height / kBlock};
+  std::vector<Differences> luma;
+  std::vector<Differences> chroma;
   for (size_t i = 0; i < size(); ++i) {
-    check_still(names_[i], differences[i], bound);
-    check_light(names_[i], differences[i], luma_blocks);
+    if (i > 0 && frames_[i].data == frames_[i - 1].data) {
+      throw input_error(names_[i], "is the same frame as " + names_[i - 1]);
+    }
+    Differences blocks = block_means({frames_[i].data.begin(), frames_[i].data.end()}, frames_[i]);
+    for (size_t k = 0; k < scene.size(); ++k) blocks[k] -= scene[k];
+    luma.emplace_back(blocks.begin(), blocks.begin() + luma_blocks);
+    chroma.emplace_back(blocks.begin() + luma_blocks, blocks.end());
+  }
+  check_still(names_, luma);
+  check_still(names_, chroma);
+  for (size_t i = 0; i < size(); ++i) {
+    check_light(names_[i], luma[i]);
     check_unclipped(names_[i], frames_[i], mean);
   }
 }

@@ -92,7 +92,7 @@ class ColourCost {
     double sum = 0.0;
     for (const double cost : costs) sum += cost;
     return sum / static_cast<double>(costs.size()) + level_cost(curves_, thresholds, prices_) -
-           level_cost(curves_, thresholds, {0, 0, 0});
+           level_cost(curves_, thresholds, kNoPrices);
   }
 
  private:

@@ -31,6 +31,22 @@ Thresholds to_thresholds(const Octaves& octaves) {
   return thresholds;
 }
 
+// How the pull of bursts is spread over the thresholds, from the low band to the finest details.
+constexpr double kPullShares[kThresholds] = {0.0, 0.25, 0.5, 1.0, 1.0};
+
+double burst_pull(const LevelCurves& level, const Thresholds& thresholds) {
+  double bursts = 0.0;
+  for (const CaptureCurves* capture : level) bursts += (*capture)[0].truth_is_mean() ? 1.0 : 0.0;
+  if (bursts == 0.0) return 0.0;
+  const Thresholds suggested = thresholds_from_noise(level);
+  double pull = 0.0;
+  for (size_t i = 0; i < kThresholds; ++i) {
+    const double distance = to_octaves(thresholds[i]) - to_octaves(suggested[i]);
+    pull += kPullShares[i] * distance * distance;
+  }
+  return pull * bursts / static_cast<double>(level.size());
+}
+
 double cost_of(const LevelCurves& level, const Octaves& octaves, const Prices& prices) {
   return level_cost(level, to_thresholds(octaves), prices);
 }
@@ -174,7 +190,9 @@ double level_cost(const LevelCurves& level, const Thresholds& thresholds, const 
   }
   double octaves = 0.0;
   for (const double threshold : thresholds) octaves += to_octaves(threshold);
-  return sum / (2.0 * static_cast<double>(level.size())) + prices.octave_db * octaves;
+  const double pull =
+      prices.burst_pull_db > 0.0 ? prices.burst_pull_db * burst_pull(level, thresholds) : 0.0;
+  return sum / (2.0 * static_cast<double>(level.size())) + prices.octave_db * octaves + pull;
 }
 
 Thresholds thresholds_from_noise(const LevelCurves& level) {

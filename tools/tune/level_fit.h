@@ -22,7 +22,12 @@ struct Prices {
   double edges = 0.1;
   double harm = 0.25;
   double octave_db = 0.002;
+  // The mean of a burst keeps the false colours that demosaicing gives every frame alike, and looks
+  // as if it had fine detail to lose. So captures with such a truth pull the thresholds of fine
+  // subbands to what their noise suggests, with so many dB per squared octave.
+  double burst_pull_db = 0.1;
 };
+inline constexpr Prices kNoPrices{0, 0, 0, 0};
 
 // Mean over captures and planes of the priced error in dB: lower is better.
 [[nodiscard]] double level_cost(const LevelCurves& level, const Thresholds& thresholds,

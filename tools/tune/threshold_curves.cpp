@@ -173,7 +173,8 @@ ErrorSums& ErrorSums::operator+=(const ErrorSums& other) {
 }
 
 ThresholdCurves::ThresholdCurves(const PlaneBands& noisy, const PlaneBands& truth,
-                                 double truth_noise_share) {
+                                 double truth_noise_share)
+    : truth_is_mean_(truth_noise_share > 0.0) {
   std::array<double, kThresholds> counts{};
   for (std::vector<ErrorSums>& curve : entries_) curve.resize(size_t(kEntries));
   for (size_t band = 0; band < kChromaBands; ++band) {

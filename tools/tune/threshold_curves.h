@@ -41,6 +41,8 @@ class ThresholdCurves {
   [[nodiscard]] ErrorSums at(const Thresholds& thresholds) const;
   [[nodiscard]] const ErrorSums& untouched() const { return untouched_; }
   [[nodiscard]] double samples() const { return samples_; }
+  // Whether the truth is the mean of a burst.
+  [[nodiscard]] bool truth_is_mean() const { return truth_is_mean_; }
   // Mean squared noise of the subbands that a threshold acts on.
   [[nodiscard]] double noise_power(int threshold) const {
     return noise_power_[static_cast<size_t>(threshold)];
@@ -51,6 +53,7 @@ class ThresholdCurves {
   std::array<double, kThresholds> noise_power_{};
   ErrorSums untouched_;
   double samples_ = 0.0;
+  bool truth_is_mean_;
 };
 
 }  // namespace tool

@@ -185,8 +185,8 @@ TuningValues fit_values(const std::vector<const MeasuredCapture*>& captures,
     values.spatial_path = values.spatial_path || blends[i] > 0;
     Thresholds untouched;
     untouched.fill(kThresholdFloor);
-    const double gain = level_cost(curves[i], untouched, {0, 0, 0}) -
-                        level_cost(curves[i], thresholds[i], {0, 0, 0});
+    const double gain = level_cost(curves[i], untouched, kNoPrices) -
+                        level_cost(curves[i], thresholds[i], kNoPrices);
     if (gain >= kVisibleGain) values.enable_noise_index = level.noise_index;
   }
   drop_useless_noise(values.levels);

@@ -158,6 +158,10 @@ TEST_F(TuneBurst, RefusesWhatIsNoTruth) {
   brighter.add("light", light);
   EXPECT_THAT(complaint(brighter), HasSubstr("light: is brighter"));
 
+  Burst repeated = burst_of(9);
+  repeated.add("again", noisy(8));
+  EXPECT_THAT(complaint(repeated), HasSubstr("again: is the same frame as f8"));
+
   Burst dark;
   const RgbImage black(192, 160);
   for (size_t i = 0; i < 9; ++i) {

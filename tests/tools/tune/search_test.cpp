@@ -50,7 +50,7 @@ TEST_F(TuneSearch, CurvesTellWhatWholeFramesGive) {
     for (const Thresholds& thresholds : kCases) {
       const Capture& capture = measured[level].capture;
       const Score real = score_of(capture, denoise_with(text_of(thresholds), capture.noisy, 0));
-      const double told = 20 * std::log10(255) - level_cost(curves(level), thresholds, {0, 0, 0});
+      const double told = 20 * std::log10(255) - level_cost(curves(level), thresholds, kNoPrices);
       EXPECT_NEAR(told, real.chroma(), 0.25) << level << " " << testing::PrintToString(thresholds);
     }
   }
@@ -59,7 +59,7 @@ TEST_F(TuneSearch, CurvesTellWhatWholeFramesGive) {
 // Steps of a quarter octave in every direction through whole frames: nothing is left to gain.
 TEST_F(TuneSearch, NoNeighbourOfTheResultIsBetter) {
   FitSettings settings;
-  settings.prices = {0, 0, 0};
+  settings.prices = kNoPrices;
   const TuningValues values = fit_values(all(), settings);
   ASSERT_EQ(values.levels.size(), 3u);
   const Capture& capture = measured[1].capture;
