@@ -13,4 +13,8 @@
 // Processors that the calling thread may run on; at least 1.
 [[nodiscard]] int usable_cpus();
 
+// From now on `usable_cpus` gives `count`; 0 ends that. For benchmarks and tests that want the work
+// cut as another machine has it.
+void assume_usable_cpus(int count);
+
 #endif  // VOREL_PLATFORM_CPU_H_

@@ -5,8 +5,8 @@
 #include "vorel/export.h"
 #include "vorel/wavelet/buffer.h"
 
-/// Makes and removes borders. The border repeats the nearest inner sample. No state: any number of
-/// threads may use the one object on disjoint rows.
+/// Makes and removes borders; kept for callers. The border repeats the nearest inner sample. No
+/// state: any number of threads may use the one object on disjoint rows.
 class VOREL_EXPORT BorderHandler {
  public:
   static BorderHandler* getInstance();

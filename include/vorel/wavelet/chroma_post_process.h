@@ -11,7 +11,8 @@
 
 struct chroma_process;  // internal
 
-/// Lives for one frame: `setup`, `chromaPostProcess`, `deallocate`.
+/// Lives for one frame: `setup`, `chromaPostProcess`, `deallocate`. Kept for callers: frames go
+/// the same way without it.
 class VOREL_EXPORT ChromaPostProcess {
  public:
   static constexpr int kSubbands = 7;
@@ -22,7 +23,7 @@ class VOREL_EXPORT ChromaPostProcess {
   /// Sizes, threshold tables and planes for a frame of `width` x `height` luma pixels. `thr` holds
   /// five thresholds. `borrow` holds four planes whose rows x columns bytes may be used as storage
   /// until `deallocate`; what does not fit comes from the heap. Jobs run on `pool1`; the other two
-  /// are stored only. `dumpPath` is used at debug level 5 and above.
+  /// are not used. `dumpPath` is used at debug level 5 and above.
   /// Returns false (logged) when memory is short; then only `deallocate` may follow.
   bool setup(int width, int height, _Float16* thr, _Float16 radialMode, _Float16 CSatParam1,
              _Float16 CSatParam2, _Float16 CSatThr1, _Float16 CSatThr2, int debugLevel,
@@ -30,8 +31,9 @@ class VOREL_EXPORT ChromaPostProcess {
              buffer* borrow);
 
   /// `in`: one VOREL_PLANE_PAIRS plane, or two bordered half-precision planes (kinds FIRST and
-  /// SECOND), which are used as working planes. `out`: VOREL_PLANE_PAIRS; may be `in`. Returns 0,
-  /// or -1 (logged) when memory was short and `out` was left as it was.
+  /// SECOND), whose borders are filled and which dumps use as working planes. `out`:
+  /// VOREL_PLANE_PAIRS; may be `in`. Returns 0, or -1 (logged) when memory was short and `out` was
+  /// left as it was.
   int chromaPostProcess(buffer* in, buffer* out);
 
   /// Denoises one bordered plane in place; `plane` is 1 or 2. The two planes may run at once.

@@ -30,7 +30,8 @@ enum wtSubbandRange { WT_SUBBAND_FIRST = 0, WT_SUBBAND_LAST = 1 };
 struct waveletLevelConfig;  // opaque
 struct sigmaScaleConfig;    // opaque
 
-/// The process-wide record, zero until it is set. No lock: set it while no other thread reads it.
+/// The process-wide record, zero until it is set; this and the functions below are kept for
+/// callers. No lock: set it while no other thread reads it.
 /// The transforms read their own copies.
 VOREL_EXPORT extern wavelet_config g_waveletCfg;
 

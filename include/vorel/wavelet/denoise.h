@@ -8,8 +8,9 @@
 #include "vorel/thread_pool.h"
 #include "vorel/wavelet/buffer.h"
 
-/// Arithmetic of the wavelet chroma path that is no transform. Every operation rounds to half
-/// precision. `A` and `B` are slope and cap of the radial noise model; A = 0 switches it off.
+/// Arithmetic of the wavelet chroma path that is no transform; kept for callers. Every operation
+/// rounds to half precision. `A` and `B` are slope and cap of the radial noise model; A = 0
+/// switches it off.
 class VOREL_EXPORT Denoise {
  public:
   Denoise();
@@ -20,8 +21,8 @@ class VOREL_EXPORT Denoise {
   void deallocate();
 
   /// Denoises subbands[0..6] of one plane in place. `thr` holds 16 thresholds, one per subband;
-  /// thr[0] is replaced by its magnitude. `scratch` may be null; else it names a plane from which
-  /// the Haar bands may be carved. `pool` is not used.
+  /// thr[0] is replaced by its magnitude. `scratch` may be null; else it names a plane that lends
+  /// memory to the Haar step. `pool` is not used.
   void denoiseChroma1And2HaarRun(buffer* subbands, buffer* scratch, _Float16* thr, _Float16 A,
                                  _Float16 B, ThreadPool* pool);
 

@@ -18,10 +18,10 @@ struct sym4_level {
   buffer intermediate;
 };
 
-/// Decimating analysis and synthesis with eight taps. Nothing is extended at the edges: output
-/// samples whose taps leave the plane are not written and may hold anything; give planes a border.
-/// Analysis of n samples writes outputs 2 .. (n - 4) / 2 of n / 2; synthesis of n low and n high
-/// samples writes outputs 3 .. 2 n - 6. Inputs and outputs must not overlap.
+/// Decimating analysis and synthesis with eight taps; kept for callers. Nothing is extended at the
+/// edges: output samples whose taps leave the plane are not written and may hold anything; give
+/// planes a border. Analysis of n samples writes outputs 2 .. (n - 4) / 2 of n / 2; synthesis of n
+/// low and n high samples writes outputs 3 .. 2 n - 6. Inputs and outputs must not overlap.
 class VOREL_EXPORT Sym4Transform {
  public:
   Sym4Transform();
