@@ -70,6 +70,7 @@ set(VOREL_WAVELET_SOURCES
   wavelet/chroma_band.cpp
   wavelet/chroma_doors.cpp
   wavelet/chroma_process.cpp
+  wavelet/chroma_rows.cpp
   wavelet/chroma_setup.cpp
   wavelet/config_doors.cpp
   wavelet/denoise_doors.cpp

@@ -23,15 +23,6 @@ struct chroma_frame {
   saturation_curve curve;
 };
 
-// Columns and rows of the bands that two decompositions of a plane give.
-struct subband_sizes {
-  int half_columns;
-  int half_rows;
-  int quarter_columns;  // rounded up
-  int quarter_rows;
-};
-[[nodiscard]] subband_sizes subband_sizes_of(const buffer& plane);
-
 // Samples of memory that a band needs, however many rows it has.
 [[nodiscard]] size_t chroma_band_samples(const chroma_frame& frame);
 

@@ -9,6 +9,7 @@
 #include "threading/run_jobs.h"
 #include "wavelet/border.h"
 #include "wavelet/chroma_band.h"
+#include "wavelet/chroma_rows.h"
 #include "wavelet/pass_times.h"
 #include "wavelet/saturation.h"
 #include "wavelet/stage_layout.h"

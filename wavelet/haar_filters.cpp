@@ -74,7 +74,7 @@ const _Float16* haar_taps() { return kTable.taps; }
 
 template <typename Sample>
 void split_at(const analysis_filter& filter, const _Float16* taps, const sample_line<Sample>& line,
-              int position, _Float16* lo, _Float16* hi, int count) {
+              int position, const haar_split& out, int count) {
   const Sample* samples[kMostTaps];
   tapped_row<Sample> low[kMostTaps];
   tapped_row<Sample> high[kMostTaps];
@@ -88,24 +88,24 @@ void split_at(const analysis_filter& filter, const _Float16* taps, const sample_
     ++used;
   }
   if (used == filter.neighbours && used == 2) {
-    split_level1_row(samples[0], samples[1], lo, hi, count);
+    split_level1_row(samples[0], samples[1], out.lo, out.hi, count);
   } else if (used == filter.neighbours && used == 4) {
-    split_directional_row(samples[0], samples[1], samples[2], samples[3], lo, hi, count);
+    split_directional_row(samples[0], samples[1], samples[2], samples[3], out.lo, out.hi, count);
   } else {
-    sum_tapped_rows(low, used, 0, 1, lo, count);
-    sum_tapped_rows(high, used, 0, 1, hi, count);
+    sum_tapped_rows(low, used, 0, 1, out.lo, count);
+    sum_tapped_rows(high, used, 0, 1, out.hi, count);
   }
 }
 
 template <typename Sample>
 void split_row(const analysis_filter& filter, const _Float16* taps, const Sample* row, int length,
-               _Float16* lo, _Float16* hi) {
+               const haar_split& out) {
   const sample_line<Sample> line = row_line(row, length);
   const int begin = std::min(-filter.taps.front().offset, length);
   const int end = std::max(begin, length - filter.taps.back().offset);
-  for (int x = 0; x < begin; ++x) split_at(filter, taps, line, x, lo + x, hi + x, 1);
-  if (end > begin) split_at(filter, taps, line, begin, lo + begin, hi + begin, end - begin);
-  for (int x = end; x < length; ++x) split_at(filter, taps, line, x, lo + x, hi + x, 1);
+  for (int x = 0; x < begin; ++x) split_at(filter, taps, line, x, out.from(x), 1);
+  if (end > begin) split_at(filter, taps, line, begin, out.from(begin), end - begin);
+  for (int x = end; x < length; ++x) split_at(filter, taps, line, x, out.from(x), 1);
 }
 
 void join_at(const synthesis_filter& filter, const _Float16* taps, const band_lines& lines,
@@ -140,9 +140,9 @@ void join_row(const synthesis_filter& filter, const _Float16* taps, const band_l
 
 #define VOREL_INSTANTIATE(Sample)                                                                  \
   template void split_at(const analysis_filter&, const _Float16*, const sample_line<Sample>&, int, \
-                         _Float16*, _Float16*, int);                                               \
-  template void split_row(const analysis_filter&, const _Float16*, const Sample*, int, _Float16*,  \
-                          _Float16*);
+                         const haar_split&, int);                                                  \
+  template void split_row(const analysis_filter&, const _Float16*, const Sample*, int,             \
+                          const haar_split&);
 VOREL_INSTANTIATE(_Float16)
 VOREL_INSTANTIATE(uint8_t)
 #undef VOREL_INSTANTIATE

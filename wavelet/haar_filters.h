@@ -54,15 +54,24 @@ extern const analysis_filter kHaarLevel1;
 extern const analysis_filter kHaarLevel2;
 extern const analysis_filter kHaarDirectional;
 
-// `count` adjacent outputs, the first of which stands at `position` of the line.
+// Where the outputs of a split go.
+struct haar_split {
+  _Float16* lo;
+  _Float16* hi;
+
+  [[nodiscard]] haar_split from(ptrdiff_t sample) const { return {lo + sample, hi + sample}; }
+};
+
+// `count` adjacent outputs, the first of which stands at `position` of the line and goes to the
+// beginning of `out`.
 template <typename Sample>
 void split_at(const analysis_filter& filter, const _Float16* taps, const sample_line<Sample>& line,
-              int position, _Float16* lo, _Float16* hi, int count);
+              int position, const haar_split& out, int count);
 
 // All outputs of a row.
 template <typename Sample>
 void split_row(const analysis_filter& filter, const _Float16* taps, const Sample* row, int length,
-               _Float16* lo, _Float16* hi);
+               const haar_split& out);
 
 // A term of a synthesis filter: which band's sample, where relative to the output, and its tap's
 // place in the table.

@@ -19,7 +19,7 @@ void split_plane_rows(const analysis_filter& filter, const _Float16* taps, const
                       const haar_split& out, plane_size size) {
   for (int y = 0; y < size.height && size.width > 0; ++y) {
     const ptrdiff_t offset = ptrdiff_t{y} * size.width;
-    split_row(filter, taps, src + offset, size.width, out.lo + offset, out.hi + offset);
+    split_row(filter, taps, src + offset, size.width, out.from(offset));
   }
 }
 
@@ -28,8 +28,7 @@ void split_plane_directionally(const _Float16* taps, const Sample* src, const ha
                                plane_size size) {
   for (int y = 0; y < size.height - 1 && size.width > 1; ++y) {
     const ptrdiff_t offset = ptrdiff_t{y} * size.width;
-    split_row(kHaarDirectional, taps, src + offset, size.width - 1, out.lo + offset,
-              out.hi + offset);
+    split_row(kHaarDirectional, taps, src + offset, size.width - 1, out.from(offset));
   }
 }
 
@@ -38,7 +37,7 @@ void split_plane_columns(const analysis_filter& filter, const _Float16* taps, co
   const sample_line<_Float16> line = plane_line(src, size.width, size.height);
   for (int y = 0; y < row_end && size.width > 0; ++y) {
     const ptrdiff_t offset = ptrdiff_t{y} * size.width;
-    split_at(filter, taps, line, y, out.lo + offset, out.hi + offset, size.width);
+    split_at(filter, taps, line, y, out.from(offset), size.width);
   }
 }
 

@@ -9,12 +9,6 @@ struct plane_size {
   int height;
 };
 
-// Dense planes that a pass writes.
-struct haar_split {
-  _Float16* lo;
-  _Float16* hi;
-};
-
 // Planes that a pass reads, rows `pitch` samples apart; `lo` may be null where the filter has no
 // low term.
 struct haar_bands {
@@ -23,6 +17,7 @@ struct haar_bands {
   int pitch;
 };
 
+// `out` are dense planes, here and below.
 template <typename Sample>
 void split_plane_rows(const analysis_filter& filter, const _Float16* taps, const Sample* src,
                       const haar_split& out, plane_size size);

@@ -31,12 +31,13 @@ void HaarWalk::push(const _Float16* samples, NoiseRows* noise) {
 void HaarWalk::split_source_row(int row, const _Float16* samples) {
   _Float16* low = rows_.low.row(row);
   _Float16* high = rows_.high.row(row);
-  times_->run(kHaarRows, [&] { split_row(kHaarLevel1, haar_taps(), samples, width_, low, high); });
+  times_->run(kHaarRows,
+              [&] { split_row(kHaarLevel1, haar_taps(), samples, width_, {low, high}); });
   times_->run(kHaarDirectionalRows, [&] {
     const int columns = row < height_ - 1 ? width_ - 1 : 0;
     _Float16* directional_low = rows_.directional_low.row(row);
     _Float16* directional_high = rows_.directional_high.row(row);
-    split_row(kHaarDirectional, haar_taps(), samples, columns, directional_low, directional_high);
+    split_row(kHaarDirectional, haar_taps(), samples, columns, {directional_low, directional_high});
     std::copy(low + columns, low + width_, directional_low + columns);
     std::copy(high + columns, high + width_, directional_high + columns);
   });
@@ -60,8 +61,8 @@ void HaarWalk::complete_bands(int level1_end, int directional_end, NoiseRows* no
 
 void HaarWalk::level1_row(int row) {
   const auto split = [&](const row_store& rows, _Float16* lo, int high_band) {
-    split_at(kHaarLevel1, haar_taps(), column_line(rows, height_), row, lo,
-             rows_.bands[high_band].row(row), width_);
+    split_at(kHaarLevel1, haar_taps(), column_line(rows, height_), row,
+             {lo, rows_.bands[high_band].row(row)}, width_);
   };
   // The level-1 low band serves where band 3 has no directional row.
   times_->run(kHaarLow, [&] { split(rows_.low, rows_.temporary.row(0), 4); });
@@ -80,7 +81,7 @@ void HaarWalk::directional_row(int row) {
   }
   const auto split = [&](const row_store& rows, int low_band, int high_band) {
     split_at(kHaarDirectional, haar_taps(), column_line(rows, height_), row,
-             rows_.bands[low_band].row(row), rows_.bands[high_band].row(row), width_);
+             {rows_.bands[low_band].row(row), rows_.bands[high_band].row(row)}, width_);
   };
   times_->run(kHaarDirectionalLow, [&] { split(rows_.directional_low, 0, 2); });
   times_->run(kHaarDirectionalHigh, [&] { split(rows_.directional_high, 1, 3); });
