@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/cpu.h"
 #include "tests/support/log_capture.h"
 #include "vorel/wavelet/border_handler.h"
 #include "vorel/wavelet/denoise.h"
@@ -242,6 +243,7 @@ TEST_F(ChromaPostProcessTest, BandsEqualThePassesOverWholePlanes) {
 TEST_F(ChromaPostProcessTest, WorkersAndOrderChangeNothing) {
   const std::vector<uint8_t> expected = run_stage(176, 146, Fill::kZero);
   for (int workers : {1, 2, 6}) {
+    assume_usable_cpus(workers);
     ThreadPool pool;
     ASSERT_EQ(pool.init(workers, 0xFF, 0), 0);
     EXPECT_EQ(run_stage(176, 146, Fill::kNan, {}, &pool), expected);
@@ -249,6 +251,7 @@ TEST_F(ChromaPostProcessTest, WorkersAndOrderChangeNothing) {
     EXPECT_EQ(run_stage(176, 146, Fill::kNan, {}, &pool, 5), expected);
     pool.deinit();
   }
+  assume_usable_cpus(0);
 }
 
 TEST_F(ChromaPostProcessTest, ThresholdsOfZeroKeepTheChroma) {
