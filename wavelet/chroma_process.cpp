@@ -120,8 +120,8 @@ bool take_band_memory(chroma_process* process, const chroma_frame& frame, band_j
   plane_scratch lent[2] = {process->lent[0], process->lent[1]};
   bool taken = true;
   for (int i = 0; i < count; ++i) {
-    const bool first = lent[0].remaining_bytes >= (samples + 4) * sizeof(_Float16);
-    taken = take_plane(&jobs[i].memory, first ? &lent[0] : &lent[1], 1, samples) && taken;
+    plane_scratch* from = holds_plane(lent[0], 1, samples) ? &lent[0] : &lent[1];
+    taken = take_plane(&jobs[i].memory, from, 1, samples) && taken;
   }
   return taken;
 }

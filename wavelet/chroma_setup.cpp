@@ -50,11 +50,6 @@ void set_sizes(chroma_process* process, int32_t width, int32_t height) {
       static_cast<int>(level2.height));
 }
 
-bool holds_plane(const plane_scratch& scratch, wavelet_size size) {
-  const size_t bytes = size_t{size.width} * size.height * sizeof(_Float16);
-  return scratch.remaining_bytes >= ((bytes + 7) & ~size_t{7});
-}
-
 bool reserve_storage(chroma_process* process, const buffer* borrow) {
   plane_scratch lent[kLentPlanes];
   for (int i = 0; i < kLentPlanes; ++i) {
@@ -77,7 +72,7 @@ bool reserve_storage(chroma_process* process, const buffer* borrow) {
   for (buffer(&planes)[kSubbands] : process->subbands) {
     for (int i = 0; i < kSubbands; ++i) {
       const wavelet_size size = i < 4 ? process->level2 : process->level1;
-      plane_scratch* from = holds_plane(lent[2], size) ? &lent[2] : &lent[3];
+      plane_scratch* from = holds_plane(lent[2], size.height, size.width) ? &lent[2] : &lent[3];
       reserved = take_plane(&planes[i], from, size.height, size.width) && reserved;
     }
   }

@@ -17,6 +17,9 @@ struct plane_scratch {
 // A null record, or one without data, lends nothing.
 [[nodiscard]] plane_scratch scratch_of(const buffer* lent);
 
+// Whether a plane of this size can be carved from what is left.
+[[nodiscard]] bool holds_plane(const plane_scratch& scratch, uint32_t rows, uint32_t cols);
+
 // The rest of an area as a record that can be lent on.
 [[nodiscard]] buffer rest_of(const plane_scratch& scratch);
 
