@@ -204,7 +204,10 @@ void denoise_chroma_plane(chroma_process* process, unsigned plane, const buffer&
   const auto rows = static_cast<int>(process->padded.height);
   const sym4_run run = {subbands, work_of(process->levels[index]), columns, rows, true};
   const int difference = sym4_pitch_difference(run, subbands[0]);
-  if (!sym4_forward_plane(run, static_cast<const _Float16*>(io.data), &times)) return;
+  if (!sym4_forward_plane(run, static_cast<const _Float16*>(io.data), &times)) {
+    VOREL_LOGE("ChromaPostProcess::denoiseSpatial, no planes");
+    return;
+  }
   log_forward_times(times, true);
   for (int i = 0; i < kSubbands; ++i) {
     std::snprintf(prefix, sizeof(prefix), "fW_%d_%s", i, letter);

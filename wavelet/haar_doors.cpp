@@ -15,6 +15,8 @@ _Float16* samples_of(const buffer& plane) { return static_cast<_Float16*>(plane.
 
 }  // namespace
 
+static_assert(HaarTransform::kTapCount == kHaarTaps);
+
 HaarTransform::HaarTransform()
     : taps{}, lowScratch_{}, highScratch_{}, directional_{}, column_{}, debug_(0) {
   std::copy_n(haar_taps(), kTapCount, taps);

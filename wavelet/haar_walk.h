@@ -14,7 +14,7 @@
 inline constexpr int kHaarBands = 7;
 inline constexpr int kHaarKept = 4;  // rows of a subband and of the directional rows' result
 inline constexpr int kHaarSplitKept = 2;
-inline constexpr int kHaarTemporaryRows = 7;
+inline constexpr int kHaarTemporaryRows = 6;
 // How many rows a result row depends on, above and below it.
 inline constexpr int kHaarReach = 3;
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/cpu.h"
+#include "tests/support/faults.h"
 #include "tests/support/log_capture.h"
 #include "vorel/wavelet/border_handler.h"
 #include "vorel/wavelet/denoise.h"
@@ -252,6 +253,26 @@ TEST_F(ChromaPostProcessTest, WorkersAndOrderChangeNothing) {
     pool.deinit();
   }
   assume_usable_cpus(0);
+}
+
+// Planes, bands and the object's own record come from the heap when nothing is lent.
+TEST_F(ChromaPostProcessTest, WithoutMemoryTheChromaStaysAndAnErrorSaysSo) {
+  const std::vector<uint8_t> before = make_chroma(48, 50);
+  const int failed = for_each_fault(FaultScope::Kind::kAllocation, [&](int nth) {
+    SCOPED_TRACE(nth);
+    log_.clear();
+    std::vector<uint8_t> chroma = before;
+    buffer pairs = describe_pairs(&chroma, 48, 50);
+    Parameters p;
+    ChromaPostProcess process;
+    const bool done = process.setup(48, 50, p.thresholds, 0, 0, 0, 65, 40, 0, nullptr, nullptr,
+                                    nullptr, nullptr, nullptr) &&
+                      process.chromaPostProcess(&pairs, &pairs) == 0;
+    process.deallocate();
+    EXPECT_EQ(log_.errors() == 0, done);
+    EXPECT_EQ(chroma == before, !done);
+  });
+  EXPECT_EQ(failed, 25);  // the record, 17 planes, the transform's 6 and a band's rows
 }
 
 TEST_F(ChromaPostProcessTest, ThresholdsOfZeroKeepTheChroma) {
