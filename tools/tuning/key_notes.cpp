@@ -16,7 +16,7 @@ constexpr double kMostLowThreshold = 640;
 
 constexpr char kGoesWrong[] = "the weighted means overflow: wrong colours and brightness";
 constexpr char kNoDetail[] = "all chroma detail of that size is taken away";
-constexpr char kBlownUp[] = "detail near the noise comes back inverted and blown up";
+constexpr char kBlownUp[] = "detail close to the threshold is blown up: coloured specks";
 constexpr char kOneSetting[] = "only the low 5 bits count";
 
 constexpr KeyNote kNotes[] = {
