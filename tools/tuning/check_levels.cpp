@@ -101,8 +101,8 @@ class LevelCheck {
                      "values");
       return;
     }
-    std::vector<double> all;
-    for (size_t i = 0; i < levels_; ++i) all.push_back(number(kLevels, i));
+    std::vector<double> all(levels_);
+    for (size_t i = 0; i < levels_; ++i) all[i] = number(kLevels, i);
     std::string list;
     for (const size_t level : unreachable_levels(all, number(kGate, 0))) {
       list += (list.empty() ? "" : ", ") + shown(kLevels, level);

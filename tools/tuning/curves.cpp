@@ -99,14 +99,16 @@ class ValueAxis {
  private:
   // Thresholds below the first tick, 0.0 above all, lie on the axis.
   void add_powers(double most) {
-    for (double tick = 0.1; tick < most * 10; tick *= 10) ticks_.push_back(tick);
+    const int powers = static_cast<int>(std::ceil(std::log10(most))) + 1;
+    for (int power = -1; power < powers; ++power) ticks_.push_back(std::pow(10, power));
   }
 
   void add_steps(double least, double most) {
     double step = std::pow(10, std::floor(std::log10((most - least) / 2)));
     while ((most - least) / step > 6) step *= 2;
-    const double first = std::floor(least / step) * step;
-    for (double tick = first; tick < most + step; tick += step) ticks_.push_back(tick);
+    const int first = static_cast<int>(std::floor(least / step));
+    const int last = static_cast<int>(std::ceil(most / step));
+    for (int i = first; i <= last; ++i) ticks_.push_back(i * step);
   }
 
   [[nodiscard]] double scaled(double value) const {

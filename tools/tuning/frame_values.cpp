@@ -21,8 +21,8 @@ LoadedTuning::LoadedTuning(const std::string& text) : text_(text) {
 
 double LoadedTuning::stored(const KnownKey& known, size_t index) const {
   cnr_tuning tuning = tuning_;
-  return known.is_real() ? real_field(&tuning, known.key.field)[index]
-                         : int_field(&tuning, known.key.field)[index];
+  return known.is_real() ? static_cast<double>(real_field(&tuning, known.key.field)[index])
+                         : static_cast<double>(int_field(&tuning, known.key.field)[index]);
 }
 
 bool LoadedTuning::is_from_file(const KnownKey& known, size_t index) const {
@@ -32,8 +32,8 @@ bool LoadedTuning::is_from_file(const KnownKey& known, size_t index) const {
 double LoadedTuning::for_frame(const KnownKey& known, int noise_index) const {
   cnr_tuning tuning = tuning_;
   select_tuning(&tuning, noise_index);
-  return known.is_real() ? *real_field(&tuning, known.key.current)
-                         : *int_field(&tuning, known.key.current);
+  return known.is_real() ? static_cast<double>(*real_field(&tuning, known.key.current))
+                         : static_cast<double>(*int_field(&tuning, known.key.current));
 }
 
 size_t LoadedTuning::levels() const {
