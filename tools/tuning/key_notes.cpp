@@ -11,7 +11,7 @@ constexpr double kLeastInt = std::numeric_limits<int32_t>::min();
 constexpr double kMostInt = std::numeric_limits<int32_t>::max();
 // From 1800 on a threshold times the fixed factor in front of it exceeds half precision.
 constexpr double kMostThreshold = 1799;
-// Up to 400 grey keeps its value; here it has lost one step.
+// Up to 450 grey keeps its value; here it has lost one step.
 constexpr double kMostLowThreshold = 640;
 
 constexpr char kGoesWrong[] = "the weighted means overflow: wrong colours and brightness";
@@ -82,21 +82,22 @@ constexpr KeyNote kNotes[] = {
      -4, 4, "the corners lose their colour", "the corners lose their colour", false, false},
     {"MFD_UV_tuning.denoiseThrChroma0Table", "noise power",
      "Strength against coloured blotches from about 16 pixels on. Twice the noise amplitude needs "
-     "four times the threshold. Also acts on the mean colour: better not above 400.",
+     "four times the threshold. Also acts on the mean colour: not above 450.",
      0, kMostLowThreshold, "it counts as its magnitude",
      "grey and every other colour shift towards green; from 1800 on the picture is plain green",
      true, true},
     {"MFD_UV_tuning.denoiseThrChroma1Table", "noise power",
-     "Strength against coloured grain of about 8 pixels, horizontal and vertical. Useful: to 640.",
+     "Strength against coloured grain of about 8 pixels, horizontal and vertical. Useful: to 1280.",
      0, kMostThreshold, kBlownUp, kNoDetail, true, true},
     {"MFD_UV_tuning.denoiseThrChroma2Table", "noise power",
-     "Strength against coloured grain of about 8 pixels, diagonal. Useful: to 640.", 0,
+     "Strength against coloured grain of about 8 pixels, diagonal. Useful: to 1280.", 0,
      kMostThreshold, kBlownUp, kNoDetail, true, true},
     {"MFD_UV_tuning.denoiseThrChroma3Table", "noise power",
-     "Strength against coloured pixels of about 4 pixels, horizontal and vertical. Useful: to 640.",
+     "Strength against coloured pixels of about 4 pixels, horizontal and vertical. Useful: to "
+     "1280.",
      0, kMostThreshold, kBlownUp, kNoDetail, true, true},
     {"MFD_UV_tuning.denoiseThrChroma4Table", "noise power",
-     "Strength against coloured pixels of about 4 pixels, diagonal. Useful: to 640.", 0,
+     "Strength against coloured pixels of about 4 pixels, diagonal. Useful: to 1280.", 0,
      kMostThreshold, kBlownUp, kNoDetail, true, true},
     {"MFD_UV_tuning.CSatParam1Table", "percent",
      "Change of saturation of strong colours, above CSatThr1. 0.0 changes nothing, -100.0 makes "
