@@ -1,18 +1,16 @@
 #include "tools/tune/manifest.h"
 
-#include <jansson.h>
-
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
 #include <map>
-#include <memory>
 #include <optional>
 #include <sstream>
 
 #include "tools/files/failure.h"
 #include "tools/files/file_bytes.h"
 #include "tools/pictures/picture_name.h"
+#include "tools/tuning/json.h"
 
 namespace tool {
 namespace {
@@ -138,12 +136,8 @@ std::vector<Entry> csv_entries(const std::string& path) {
   return entries;
 }
 
-struct JsonRelease {
-  void operator()(json_t* json) const { json_decref(json); }
-};
-
-std::string json_text(const std::string& path, const std::string& where, const char* key,
-                      const json_t* value) {
+std::string text_value(const std::string& path, const std::string& where, const char* key,
+                       const json_t* value) {
   if (json_is_string(value)) return json_string_value(value);
   if (json_is_integer(value)) return std::to_string(json_integer_value(value));
   throw input_error(path, where + ": '" + key + "' must be a text");
@@ -159,16 +153,16 @@ Entry json_entry(const std::string& path, const std::string& where, json_t* obje
     const std::string name = key;
     if (name == "noisy" && json_is_array(value)) {
       for (size_t i = 0; i < json_array_size(value); ++i) {
-        entry.noisy.push_back(json_text(path, where, key, json_array_get(value, i)));
+        entry.noisy.push_back(text_value(path, where, key, json_array_get(value, i)));
       }
     } else if (name == "noisy") {
-      entry.noisy.push_back(json_text(path, where, key, value));
+      entry.noisy.push_back(text_value(path, where, key, value));
     } else if (name == "scene") {
-      entry.scene = json_text(path, where, key, value);
+      entry.scene = text_value(path, where, key, value);
     } else if (name == "clean") {
-      entry.clean = json_text(path, where, key, value);
+      entry.clean = text_value(path, where, key, value);
     } else if (name == "noise_index") {
-      entry.noise_index = json_text(path, where, key, value);
+      entry.noise_index = text_value(path, where, key, value);
     } else {
       throw input_error(
           path, where + ": '" + name + "' is no key; they are scene, noise_index, noisy, clean");
@@ -180,8 +174,7 @@ Entry json_entry(const std::string& path, const std::string& where, json_t* obje
 std::vector<Entry> json_entries(const std::string& path) {
   const std::string text = read_text_file(path);
   json_error_t error;
-  const std::unique_ptr<json_t, JsonRelease> root(
-      json_loadb(text.data(), text.size(), JSON_REJECT_DUPLICATES, &error));
+  const Json root(json_loadb(text.data(), text.size(), JSON_REJECT_DUPLICATES, &error));
   if (!root) throw input_error(path, "line " + std::to_string(error.line) + ": " + error.text);
   if (!json_is_array(root.get())) throw input_error(path, "is no array of captures");
   std::vector<Entry> entries;

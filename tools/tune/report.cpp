@@ -1,14 +1,12 @@
 #include "tools/tune/report.h"
 
-#include <jansson.h>
-
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 #include <functional>
-#include <memory>
 #include <set>
+
+#include "tools/tuning/json.h"
 
 namespace tool {
 namespace {
@@ -133,10 +131,6 @@ std::string value_table(const TuningValues& values) {
   return text;
 }
 
-struct JsonRelease {
-  void operator()(json_t* json) const { json_decref(json); }
-};
-
 // Four decimals: more would be noise, and differ between machines.
 json_t* number(double value) { return json_real(std::round(value * 1e4) / 1e4); }
 
@@ -188,14 +182,11 @@ std::string report_json(const TuneResult& result) {
   }
   json_t* trials = json_array();
   for (const Trial& trial : result.trials) json_array_append_new(trials, trial_json(trial));
-  const std::unique_ptr<json_t, JsonRelease> root(json_pack(
-      "{s:s,s:b,s:b,s:i,s:o,s:o}", "date", result.values.date.c_str(), "interrupted",
-      result.interrupted ? 1 : 0, "spatial_path", result.values.spatial_path ? 1 : 0,
-      "enable_noise_index", result.values.enable_noise_index, "levels", levels, "trials", trials));
-  char* dumped = json_dumps(root.get(), JSON_INDENT(2) | JSON_REAL_PRECISION(10));
-  std::string text = dumped != nullptr ? dumped : "";
-  std::free(dumped);
-  return text + "\n";
+  const Json root(json_pack("{s:s,s:b,s:b,s:i,s:o,s:o}", "date", result.values.date.c_str(),
+                            "interrupted", result.interrupted ? 1 : 0, "spatial_path",
+                            result.values.spatial_path ? 1 : 0, "enable_noise_index",
+                            result.values.enable_noise_index, "levels", levels, "trials", trials));
+  return json_text(root.get(), JSON_INDENT(2) | JSON_REAL_PRECISION(10)) + "\n";
 }
 
 }  // namespace tool

@@ -100,16 +100,17 @@ class Tuner {
                        [](const MeasuredCapture& m) { return m.curves[0] != nullptr; });
   }
 
-  // From coarse to fine: all blends only when one of two pays anywhere.
+  // From coarse to fine: a weak and a middle blend first, the others only where these pay.
   void search_blends() {
-    const std::vector<size_t> coarse = {2, 4};
-    measure(coarse);
+    measure({1, 3});
     if (stopped()) return;
-    FitSettings off = settings_.fit;
-    off.spatial = SpatialChoice::kOff;
-    const bool needed =
-        settings_.fit.spatial == SpatialChoice::kOn || fit(everything()).spatial_path;
-    if (needed) measure({1, 3, 5});
+    const TuningValues coarse = fit(everything());
+    const bool pays = std::any_of(
+        coarse.levels.begin(), coarse.levels.end(),
+        [](const auto& level) { return level.spatial.d_uv >= spatial_candidates()[3].d_uv; });
+    if (pays || (coarse.spatial_path && settings_.fit.spatial == SpatialChoice::kAuto)) {
+      measure({2, 4, 5});
+    }
   }
 
   [[nodiscard]] Captures everything() const {

@@ -1,8 +1,10 @@
 // The file that tuning ends in, and the verb as its users run it.
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <unistd.h>
 
-#include <cmath>
+#include <algorithm>
+#include <filesystem>
 
 #include "tests/tools/run_command.h"
 #include "tests/tools/test_pictures.h"
@@ -82,6 +84,32 @@ TEST_F(TuneVerb, MakesTheSameFileInEveryRun) {
   ASSERT_EQ(run_vorel(run).status, 0);
   EXPECT_EQ(read_text(out), tuned);
   EXPECT_EQ(read_text(directory / "report.json"), report);
+}
+
+TEST_F(TuneVerb, InterruptedItLeavesAWholeFileOrNone) {
+  const std::string scene = directory / "large.png";
+  save(scene, gradient_picture(512, 384));
+  for (const int milliseconds : {50, 300, 900}) {
+    CommandSetup setup;
+    setup.meanwhile = [milliseconds](int process) {
+      usleep(static_cast<useconds_t>(milliseconds) * 1000);
+      kill(process, SIGINT);
+    };
+    const CommandResult run = run_vorel(
+        {"tune", scene, "--clean", "-n", "100,200,400,800,1600,3200,6400", "-o", out, "--force"},
+        setup);
+    const std::vector<std::string> names = directory.names();
+    const bool written = std::count(names.begin(), names.end(), "tuned.json") == 1;
+    if (run.status == 0) {
+      EXPECT_TRUE(written);
+      EXPECT_EQ(run_vorel({"check", "--strict", out}).status, 0);
+    } else {
+      EXPECT_TRUE(run.signal == SIGINT || run.status == 3) << run.status << run.err;
+      EXPECT_FALSE(written) << milliseconds;
+    }
+    EXPECT_EQ(names.size(), written ? 5u : 4u) << "something is left behind";
+    std::filesystem::remove(out);
+  }
 }
 
 TEST_F(TuneVerb, OtherObjectivesAndKeysOnRequest) {
