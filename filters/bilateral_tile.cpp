@@ -92,11 +92,12 @@ void add_polynomial_tap(const uint8_t* __restrict centre, const uint8_t* __restr
 void add_polynomial(const TileWorkspace& work, const bilateralfiltering_tuning& tuning,
                     int32_t rows, TileSums* sums) {
   for (int32_t y = 0; y < rows; ++y) {
+    const uint8_t* window = work.window.rows[y];  // taps lie in the rows below it too
     for (int32_t r = 0; r < work.taps.run_count; ++r) {
       const TapRun& run = work.taps.runs[r];
       for (int32_t tap = run.first; tap < run.end; ++tap) {
-        add_polynomial_tap(work.centre.rows[y], work.window.rows[y] + work.taps.offsets[tap],
-                           tuning, run.spatial_weight, sums->weight[y], sums->value[y]);
+        add_polynomial_tap(work.centre.rows[y], window + work.taps.offsets[tap], tuning,
+                           run.spatial_weight, sums->weight[y], sums->value[y]);
       }
     }
   }
