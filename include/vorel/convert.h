@@ -6,8 +6,9 @@
 // Packed 4:2:2 frames hold 2 * `width` bytes per row as Y0 U Y1 V.
 //
 // Each function says first whether a frame goes this way ("Frame:") or it is there for programs
-// that call it ("Callers:"). Planes that a function only reads are not const in its type, so that
-// its link name stays; they are not written.
+// that call it ("Callers:"). A frame upsamples whole planes only for dumps; else its restore step
+// makes the rows that it is about to need, by the same rule. Planes that a function only reads are
+// not const in its type, so that its link name stays; they are not written.
 #ifndef VOREL_CONVERT_H_
 #define VOREL_CONVERT_H_
 
