@@ -9,6 +9,7 @@
 #include "core/dump.h"
 #include "core/frame.h"
 #include "core/frame_size.h"
+#include "platform/frame_dumps.h"
 #include "platform/log.h"
 #include "tuning/tuning.h"
 
@@ -123,7 +124,7 @@ vorel_status process_planes(vorel* handle, int32_t slot, const dense_planes& pla
     dump_frame(handle, which, request.format, planes.luma, planes.chroma, planes.width,
                planes.height, info->noise_index);
   };
-  const FrameDumps dumps(handle->debug_mode, handle->dump_path, &handle->dumps);
+  const FrameDumps dumps(handle->debug_mode, handle->dump_path);
   if (handle->debug_mode >= kDebugDumpInput) dump(frame_dump::kInput);
   // What a vorel_run has left would be forgotten, and so lost, when this frame gets its own.
   return_half_planes(handle, &handle->spare);
@@ -136,9 +137,10 @@ vorel_status process_planes(vorel* handle, int32_t slot, const dense_planes& pla
     fill_report(handle, report, info);
     if (handle->debug_mode >= kDebugDumpOutput) dump(frame_dump::kOutput);
   }
-  info->dumps_written = handle->dumps.written;
-  info->dumps_failed = handle->dumps.failed;
-  info->dumps_error = handle->dumps.error;
+  const dump_counts counts = dumps.counts();
+  info->dumps_written = counts.written;
+  info->dumps_failed = counts.failed;
+  info->dumps_error = counts.error;
   return status;
 }
 

@@ -13,7 +13,6 @@
 #include "core/frame_planes.h"
 #include "core/frame_pool.h"
 #include "platform/debug_levels.h"
-#include "platform/frame_dumps.h"
 #include "platform/plane_dump.h"
 #include "tuning/tuning.h"
 #include "vorel/convert.h"
@@ -76,7 +75,6 @@ struct vorel : frame_planes {
   int32_t luma_bytes;  // of one full-size plane as allocated at init
   spare_half_planes spare;
   uint8_t* continued_frame;  // room for a frame that cannot be processed where it is, or null
-  dump_counts dumps;         // of the last frame
 };
 
 #endif  // VOREL_CORE_HANDLE_H_

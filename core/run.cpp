@@ -1,6 +1,7 @@
 #include "core/dump.h"
 #include "core/frame.h"
 #include "core/frame_guard.h"
+#include "platform/frame_dumps.h"
 #include "platform/log.h"
 
 void* vorel_run(vorel* handle, void* in_address_1, void* in_address_2, int width, int height,
@@ -16,7 +17,7 @@ void* vorel_run(vorel* handle, void* in_address_1, void* in_address_2, int width
     VOREL_LOGI("vorel_run - X");
     return handle;
   }
-  const FrameDumps dumps(handle->debug_mode, handle->dump_path, &handle->dumps);
+  const FrameDumps dumps(handle->debug_mode, handle->dump_path);
   if (handle->debug_mode >= kDebugDumpInput) {
     dump_frame(handle, frame_dump::kInput, format, in_address_1, in_address_2, width, height,
                noiseIndex);

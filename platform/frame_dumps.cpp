@@ -13,9 +13,8 @@ FrameDumps* g_frames = nullptr;  // those of all handles, under g_lock
 
 }  // namespace
 
-FrameDumps::FrameDumps(int32_t debug_mode, const char* folder, dump_counts* counts)
-    : enabled_(debug_mode >= kDebugDumpInput), folder_(folder), counts_(counts) {
-  *counts_ = {};
+FrameDumps::FrameDumps(int32_t debug_mode, const char* folder)
+    : enabled_(debug_mode >= kDebugDumpInput), folder_(folder) {
   if (!enabled_) return;
   pthread_mutex_lock(&g_lock);
   next_ = g_frames;
@@ -32,16 +31,23 @@ FrameDumps::~FrameDumps() {
   pthread_mutex_unlock(&g_lock);
 }
 
+dump_counts FrameDumps::counts() const {
+  pthread_mutex_lock(&g_lock);
+  const dump_counts counts = counts_;
+  pthread_mutex_unlock(&g_lock);
+  return counts;
+}
+
 bool count_dump(const char* folder, int error) {
   pthread_mutex_lock(&g_lock);
-  const FrameDumps* frame = g_frames;
+  FrameDumps* frame = g_frames;
   while (frame != nullptr && std::strcmp(frame->folder_, folder) != 0) frame = frame->next_;
   bool first = true;
-  if (frame != nullptr && error == 0) ++frame->counts_->written;
+  if (frame != nullptr && error == 0) ++frame->counts_.written;
   if (frame != nullptr && error != 0) {
-    first = frame->counts_->failed == 0;
-    if (first) frame->counts_->error = error;
-    ++frame->counts_->failed;
+    first = frame->counts_.failed == 0;
+    if (first) frame->counts_.error = error;
+    ++frame->counts_.failed;
   }
   pthread_mutex_unlock(&g_lock);
   return first;

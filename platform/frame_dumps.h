@@ -12,21 +12,24 @@ struct dump_counts {
 
 // While an object lives, dumps to `folder` belong to its frame, whichever thread and class writes
 // them: the frame is found by the folder's name, all that an exported class is told. A second frame
-// with the same folder at the same time counts with the first. `folder` must outlive the object;
-// `counts` is filled by it. Does nothing at debug levels without dumps.
+// with the same folder at the same time counts with one of the two. `folder` must outlive the
+// object. Does nothing at debug levels without dumps.
 class FrameDumps {
  public:
-  FrameDumps(int32_t debug_mode, const char* folder, dump_counts* counts);
+  FrameDumps(int32_t debug_mode, const char* folder);
   ~FrameDumps();
   FrameDumps(const FrameDumps&) = delete;
   FrameDumps& operator=(const FrameDumps&) = delete;
+
+  // So far.
+  [[nodiscard]] dump_counts counts() const;
 
  private:
   friend bool count_dump(const char* folder, int error);
 
   bool enabled_;
   const char* folder_;
-  dump_counts* counts_;
+  dump_counts counts_{};
   FrameDumps* next_ = nullptr;
 };
 

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <map>
 
+#include "platform/frame_dumps.h"
 #include "tests/core/handle_fixture.h"
 
 namespace {
