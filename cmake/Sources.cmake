@@ -4,7 +4,8 @@ set(VOREL_PLATFORM_SOURCES
   platform/cpu.cpp
   platform/dump_image.cpp
   platform/frame_dumps.cpp
-  platform/thread_attributes.cpp)
+  platform/thread_attributes.cpp
+  platform/trace.cpp)
 # Directories and properties from environment variables: the library on hosts, and test programs
 # everywhere.
 set(VOREL_PLATFORM_ENVIRONMENT_SOURCES
@@ -15,6 +16,7 @@ set(VOREL_PLATFORM_ANDROID_SOURCES
 set(VOREL_THREADING_SOURCES
   threading/affinity.cpp
   threading/job_queue.cpp
+  threading/run_jobs.cpp
   threading/thread_pool.cpp
   threading/tiles.cpp)
 set(VOREL_TUNING_SOURCES

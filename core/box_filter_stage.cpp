@@ -49,7 +49,7 @@ int vorel_box_filter(vorel_thread* run) {
   VOREL_LOGI("vorel_box_filter");
   fill_box_filter_jobs(run);
   if (ThreadPool* pool = ready_threads(run->pool)) {
-    run_jobs(pool, filter_strip_job, run->box_jobs, kBoxFilterJobs);
+    run_jobs(pool, filter_strip_job, run->box_jobs, kBoxFilterJobs, "box filter strip");
   } else {
     run->report.skip(VOREL_STAGE_BOX_FILTER, false);
   }

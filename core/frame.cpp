@@ -1,9 +1,13 @@
 #include "core/frame.h"
 
+#include <algorithm>
+
 #include "core/formats.h"
 #include "core/run_thread.h"
 #include "core/tuning_parameter.h"
 #include "platform/log.h"
+#include "platform/trace.h"
+#include "tuning/tuning.h"
 
 namespace {
 
@@ -28,6 +32,15 @@ void fill_bookkeeping(vorel* handle, vorel_thread* run) {
   }
 }
 
+// The noise index, and the level of the tuning at which it lies or above which it does.
+void trace_tuning(const cnr_tuning& tuning, int32_t noise_index) {
+  if (!trace_is_on()) return;
+  const int count = std::min(tuning.NILevelNum, kNoiseLevels);
+  const uint64_t levels = get_indices(noise_index, tuning.NILevel, count);
+  trace_counter("vorel noise index", noise_index);
+  trace_counter("vorel noise level", static_cast<int64_t>(levels & 0xFFFFFFFF));
+}
+
 // Sizes, format and tuning of the frame, into the handle.
 void set_frame(vorel* handle, const frame_request& request) {
   set_size(handle, request.width, request.height);
@@ -37,6 +50,7 @@ void set_frame(vorel* handle, const frame_request& request) {
              request.noise_index);
   handle->format = request.format;
   update_tuning_parameter(handle, request.noise_index);
+  trace_tuning(handle->tuning, request.noise_index);
 }
 
 // Stores the frame's planes; the output is written over the input. False for packed formats.

@@ -96,7 +96,8 @@ int vorel_interleave(vorel_thread* run) {
   }
   fill_interleave_jobs(run);
   if (ThreadPool* pool = ready_threads(run->pool)) {
-    run_jobs(pool, vorel_interleave_thread_func, run->interleave_jobs, kInterleaveJobs);
+    run_jobs(pool, vorel_interleave_thread_func, run->interleave_jobs, kInterleaveJobs,
+             "restore strip");
   } else {
     run->report.skip(VOREL_STAGE_INTERLEAVE, false);
   }

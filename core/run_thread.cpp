@@ -5,13 +5,18 @@
 #include "core/stages.h"
 #include "platform/log.h"
 #include "platform/thread_attributes.h"
+#include "platform/trace.h"
 #include "vorel/debug.h"
 #include "vorel/wavelet/chroma_post_process.h"
 
 namespace {
 
+constexpr const char* kStageNames[VOREL_STAGE_COUNT] = {"vorel_deinterleave", "vorel_box_filter",
+                                                        "vorel_yuv", "vorel_interleave", "MFD_UV"};
+
 // Runs one stage, taking its time, and returns its result.
 int run_stage(vorel_thread* run, int stage, int (*function)(vorel_thread*)) {
+  const TraceSlice slice(kStageNames[stage]);
   using clock = std::chrono::steady_clock;
   frame_report* report = &run->report;
   const clock::time_point start = clock::now();
@@ -61,10 +66,16 @@ void* vorel_run_thread(void* argument) {
   timeval start{};
   if (run->debug_mode == kDebugTiming) set_current_time(&start);
   set_thread_nice(run->nice);
-  join_pool(run->pool);
+  {
+    const TraceSlice slice("wait for workers");
+    join_pool(run->pool);
+  }
   run->report.had_workers = ready_threads(run->pool) != nullptr;
   run_stages(run);
-  stop_pool(run->pool);
+  {
+    const TraceSlice slice("stop workers");
+    stop_pool(run->pool);
+  }
   if (run->debug_mode == kDebugTiming) {
     const float elapsed_msec = static_cast<float>(get_elapsed_time_usec(&start)) / 1000.0f;
     VOREL_LOGI("vorel_run_thread stop: handle %p, elapsed time %.3lf", argument,

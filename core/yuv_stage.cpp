@@ -3,6 +3,7 @@
 #include "filters/bilateral_area.h"
 #include "platform/log.h"
 #include "platform/stage_timer.h"
+#include "threading/run_jobs.h"
 
 namespace {
 
@@ -17,6 +18,17 @@ struct chroma_plane {
   uint8_t* filtered;
   uint8_t* upsampled;
 };
+
+// One of the stage's three jobs.
+struct plane_job {
+  void* (*function)(void*);
+  vorel_thread* run;
+};
+
+void* run_plane_job(void* argument) {
+  const auto* job = static_cast<const plane_job*>(argument);
+  return job->function(job->run);
+}
 
 void filter_chroma(const vorel_thread* run, const chroma_plane& plane) {
   StageTimer timer(run->debug_mode);
@@ -70,10 +82,8 @@ void* vorel_v_job(void* argument) {
 int vorel_yuv(vorel_thread* run) {
   VOREL_LOGI("vorel_yuv");
   if (ThreadPool* pool = ready_threads(run->pool)) {
-    for (auto* job : {vorel_y_job, vorel_u_job, vorel_v_job}) {
-      if (pool->addWork(job, run) != 0) job(run);
-    }
-    pool->wait();
+    plane_job jobs[] = {{vorel_y_job, run}, {vorel_u_job, run}, {vorel_v_job, run}};
+    run_jobs(pool, run_plane_job, jobs, 3, "bilateral plane");
   } else {
     run->report.skip(VOREL_STAGE_YUV, false);
   }

@@ -14,8 +14,8 @@ flags='-D__ANDROID__ -D__ANDROID_API__=30 -Werror=date-time -ftrivial-auto-var-i
 flags+=' -D_FORTIFY_SOURCE=2 -fno-strict-aliasing -fstack-protector-strong -funwind-tables'
 flags+=" -isystem $stand_in -isystem /usr/include/android"
 mkdir -p "$build"
-echo 'int property_get(const char *k, char *v, const char *d) { (void)k; (void)v; (void)d; return 0; }' |
-  clang-19 --target=aarch64-linux-gnu -fuse-ld=lld -shared -nostdlib -x c - -o "$build/libcutils.so"
+clang-19 --target=aarch64-linux-gnu -fuse-ld=lld -shared -nostdlib "$stand_in/libcutils.c" \
+  -o "$build/libcutils.so"
 if ! {
   PKG_CONFIG_LIBDIR=/nowhere cmake --preset aarch64 -B "$build" -DANDROID=ON \
     -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_CXX_FLAGS_RELEASE='-Os -DNDEBUG' \
@@ -35,4 +35,4 @@ if strings "$build/libvorel.so" | grep -E 'VOREL_(FIRMWARE|DUMP)_DIR'; then
   echo "android: the Android form can be told other directories" >&2
   exit 1
 fi
-scripts/check_android_programs.py "$stand_in" "$build/programs"
+scripts/check_android_programs.py "$stand_in" "$build/programs" "$build"

@@ -7,7 +7,9 @@ global flags, and headers whose copies are fortified as its are: a loop that doe
 fails here. The stand-ins of scripts/check_android.sh serve as Android's
 headers, this machine's Arm libraries as Android's; the result is not run.
 
-    check_android_programs.py STAND_IN_DIR OUTPUT_DIR
+    check_android_programs.py STAND_IN_DIR OUTPUT_DIR LIBRARY_DIR
+
+LIBRARY_DIR holds the stand-in for libcutils.
 """
 import concurrent.futures
 import hashlib
@@ -23,7 +25,7 @@ PLATFORM = ["-O2", "-D_FORTIFY_SOURCE=2", "-fno-strict-aliasing", "-fstack-prote
             "-funwind-tables"]
 PROGRAM_FOLDERS = ("tests/", "bench/", "fuzz/")
 LIBRARY = "libvorel_static"
-LIBRARIES = ["-L/usr/lib/aarch64-linux-gnu/android", "-llog", "-ljansson", "-lgtest", "-lgmock",
+LIBRARIES = ["-L/usr/lib/aarch64-linux-gnu/android", "-llog", "-lcutils", "-ljansson", "-lgtest", "-lgmock",
              "-lbenchmark", "-lpthread"]
 
 
@@ -33,8 +35,9 @@ def run(command):
 
 
 class Builder:
-    def __init__(self, modules, stand_in, output):
+    def __init__(self, modules, stand_in, output, libraries):
         self.modules = modules
+        self.libraries = libraries
         self.stand_in = stand_in
         self.output = output
         self.compiles = {}  # object -> command
@@ -62,16 +65,16 @@ class Builder:
         if LIBRARY in self.modules.words(module, "static_libs"):
             objects += self.objects(LIBRARY)
         return [*TARGET, "-fuse-ld=lld", "-shared", "-Wl,-z,defs", *objects,
-                *self.modules.words(module, "ldflags"), *LIBRARIES,
+                *self.modules.words(module, "ldflags"), "-L" + self.libraries, *LIBRARIES,
                 "-o", f"{self.output}/{module}.so"]
 
 
 def main():
-    stand_in, output = (os.path.abspath(path) for path in sys.argv[1:3])
+    stand_in, output, libraries = (os.path.abspath(path) for path in sys.argv[1:4])
     os.chdir(os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
     os.makedirs(output, exist_ok=True)
     modules = blueprint.Blueprint(blueprint.read(blueprint.FILE))
-    builder = Builder(modules, stand_in, output)
+    builder = Builder(modules, stand_in, output, libraries)
     programs = modules.of_kind("cc_test", "cc_benchmark", "cc_fuzz")
     links = [builder.link(program) for program in programs]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:

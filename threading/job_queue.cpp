@@ -2,59 +2,61 @@
 
 #include <cstdlib>
 
-void JobSemaphore::post() {
-  const ScopedLock lock(mutex_);
-  value_ = 1;
-  changed_.signal();
-}
-
-void JobSemaphore::shutDown() {
-  const ScopedLock lock(mutex_);
-  shutDown_ = 1;
-  changed_.broadcast();
-}
-
-void JobSemaphore::wait() {
-  const ScopedLock lock(mutex_);
-  while (value_ == 0 && shutDown_ == 0) changed_.wait(mutex_);
-  value_ = 0;
-}
-
-bool JobQueue::add(void* (*function)(void*), void* argument) {
-  job* added = static_cast<job*>(std::malloc(sizeof(job)));
-  if (added == nullptr) return false;
-  *added = {nullptr, function, argument};
-
-  const ScopedLock lock(lock_);
-  if (rear_ != nullptr) {
-    rear_->next = added;
-  } else {
-    front_ = added;
+JobQueue::~JobQueue() {
+  clear();
+  while (spare_ != nullptr) {
+    job_batch* freed = spare_;
+    spare_ = freed->next;
+    std::free(freed);
   }
-  rear_ = added;
-  length_.fetch_add(1);
-  hasJobs_.post();
+}
+
+void JobQueue::append(job_batch* batch) {
+  batch->next = nullptr;
+  if (front_ != nullptr) {
+    rear_->next = batch;
+  } else {
+    front_ = batch;
+  }
+  rear_ = batch;
+}
+
+bool JobQueue::append(void* (*function)(void*), void* argument) {
+  job_batch* batch = spare_;
+  if (batch != nullptr) {
+    spare_ = batch->next;
+  } else {
+    batch = static_cast<job_batch*>(std::malloc(sizeof(job_batch)));
+    if (batch == nullptr) return false;
+  }
+  *batch = {function, static_cast<char*>(argument), 0, 1, "job", nullptr, true};
+  append(batch);
   return true;
 }
 
-job* JobQueue::take() {
-  const ScopedLock lock(lock_);
-  job* taken = front_;
-  if (taken == nullptr) return nullptr;
-  front_ = taken->next;
-  if (front_ == nullptr) rear_ = nullptr;
-  length_.fetch_sub(1);
-  if (front_ != nullptr) hasJobs_.post();
+job JobQueue::take() {
+  job_batch* batch = front_;
+  const job taken{batch->function, batch->record, batch->name};
+  if (--batch->count == 0) {
+    front_ = batch->next;
+    leave(batch);
+  } else {
+    batch->record += batch->stride;
+  }
   return taken;
 }
 
 void JobQueue::clear() {
-  const ScopedLock lock(lock_);
   while (front_ != nullptr) {
-    job* dropped = front_;
+    job_batch* dropped = front_;
     front_ = dropped->next;
-    std::free(dropped);
+    leave(dropped);
   }
-  rear_ = nullptr;
-  length_.store(0);
+}
+
+// A caller's batch is not touched any more: it may be gone as soon as the lock is.
+void JobQueue::leave(job_batch* batch) {
+  if (!batch->is_queues) return;
+  batch->next = spare_;
+  spare_ = batch;
 }

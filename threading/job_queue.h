@@ -1,70 +1,58 @@
-// First-in first-out queue of jobs, and the semaphore that wakes workers for it.
+// First-in first-out queue of jobs. Plain data: the pool's lock guards it.
 #ifndef VOREL_THREADING_JOB_QUEUE_H_
 #define VOREL_THREADING_JOB_QUEUE_H_
 
-#include <atomic>
+#include <cstddef>
 #include <cstdint>
 
-#include "threading/mutex.h"
+// Calls of one function on records that lie `stride` bytes apart: handed over in one piece, taken
+// call by call.
+struct job_batch {
+  void* (*function)(void*);
+  char* record;      // of the next call
+  size_t stride;     // from one record to the next
+  int32_t count;     // calls that nobody has taken
+  const char* name;  // of each call, in traces; a literal
+  job_batch* next = nullptr;
+  bool is_queues = false;  // memory of the queue's own
+};
 
+// One call.
 struct job {
-  job* next;
   void* (*function)(void*);
   void* argument;
+  const char* name;
 };
 
-// Binary semaphore: several posts before a wait count as one.
-class JobSemaphore {
- public:
-  // Lets one waiter through, now or later.
-  void post();
-
-  // Lets every waiter through, now and from now on.
-  void shutDown();
-
-  void wait();
-
- private:
-  Mutex mutex_;
-  Condition changed_;
-  int32_t value_ = 0;
-  int32_t shutDown_ = 0;
-};
-
-// Lock order: the queue's lock, then the semaphore's. As long as the queue holds a job, the
-// semaphore is posted or some worker is between its wake-up and `take`, so no job is forgotten.
 class JobQueue {
  public:
   JobQueue() = default;
-  ~JobQueue() { clear(); }
+  ~JobQueue();
   JobQueue(const JobQueue&) = delete;
   JobQueue& operator=(const JobQueue&) = delete;
 
-  // Appends a job and wakes a worker. Returns false when memory is short.
-  [[nodiscard]] bool add(void* (*function)(void*), void* argument);
+  // Appends at least one call. `batch` stays the caller's and must live until its last call has
+  // been taken or dropped.
+  void append(job_batch* batch);
 
-  // Blocks until there may be a job or the queue is shut down.
-  void waitForJob() { hasJobs_.wait(); }
+  // Appends one call. Its record is one that an earlier call has left, or new: returns false when
+  // memory is short.
+  [[nodiscard]] bool append(void* (*function)(void*), void* argument);
 
-  // Removes the front job and wakes the next worker when others remain. Null when the queue is
-  // empty: another worker was faster. The caller frees the job with `free`.
-  [[nodiscard]] job* take();
+  [[nodiscard]] bool empty() const { return front_ == nullptr; }
 
-  // Ends every `waitForJob`, also future ones.
-  void shutDown() { hasJobs_.shutDown(); }
+  // Removes the front call; the queue must hold one.
+  [[nodiscard]] job take();
 
-  // Frees the queued jobs without running them.
+  // Drops all calls.
   void clear();
 
-  // May be called with or without other locks held.
-  [[nodiscard]] int32_t length() const { return length_.load(); }
-
  private:
-  Mutex lock_;
-  job* front_ = nullptr;
-  job* rear_ = nullptr;
-  JobSemaphore hasJobs_;
-  std::atomic<int32_t> length_{0};  // changes under lock_, read without it
+  void leave(job_batch* batch);
+
+  job_batch* front_ = nullptr;
+  job_batch* rear_ = nullptr;
+  job_batch* spare_ = nullptr;  // records of the queue's own that hold no call
 };
 
 #endif  // VOREL_THREADING_JOB_QUEUE_H_

@@ -2,21 +2,21 @@
 #ifndef VOREL_THREADING_RUN_JOBS_H_
 #define VOREL_THREADING_RUN_JOBS_H_
 
+#include "threading/job_queue.h"
 #include "vorel/thread_pool.h"
 
-// Runs `function` on every record of jobs[0 .. count - 1] on the pool's workers and waits for them.
-// A record that cannot be queued (no pool, no memory) runs on the calling thread.
+// Runs the calls of `batch` on the pool's workers and waits for them; without workers (null, or not
+// started: logged) they run on the calling thread.
+void run_batch(ThreadPool* pool, job_batch batch);
+
+// Runs `function` on every record of jobs[0 .. count - 1]; traces show each call as `name`, a
+// literal.
 template <typename Job>
-void run_jobs(ThreadPool* pool, void* (*function)(void*), Job* jobs, int count) {
-  bool queued = false;
-  for (int i = 0; i < count; ++i) {
-    if (pool != nullptr && pool->addWork(function, &jobs[i]) == 0) {
-      queued = true;
-    } else {
-      function(&jobs[i]);
-    }
+void run_jobs(ThreadPool* pool, void* (*function)(void*), Job* jobs, int count,
+              const char* name = "job") {
+  if (count > 0) {
+    run_batch(pool, {function, reinterpret_cast<char*>(jobs), sizeof(Job), count, name});
   }
-  if (queued) pool->wait();
 }
 
 #endif  // VOREL_THREADING_RUN_JOBS_H_

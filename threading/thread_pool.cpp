@@ -6,6 +6,7 @@
 
 #include "platform/log.h"
 #include "platform/thread_attributes.h"
+#include "platform/trace.h"
 #include "threading/thread_pool_state.h"
 
 namespace {
@@ -34,49 +35,42 @@ std::shared_ptr<thpool> make_state(int32_t count) {
 
 // Returns when `count` workers have started; no other has been or will be created.
 void wait_for_start(thpool* state, int32_t count) {
-  const ScopedLock lock(state->count_lock);
+  const ScopedLock lock(state->lock);
   state->num_threads = count;
-  while (state->num_threads_alive != count) state->all_idle.wait(state->count_lock);
+  while (state->num_threads_alive != count) state->all_idle.wait(state->lock);
 }
 
 // Ends all workers, which have started, and drops the queued jobs. Their keep-alive flag is 0.
 void stop_workers(thpool* state) {
-  {
-    const ScopedLock lock(state->count_lock);
-    if (state->num_threads_alive != 0) state->queue.shutDown();
-    while (state->num_threads_alive != 0) state->all_exited.wait(state->count_lock);
-  }
+  const ScopedLock lock(state->lock);
+  state->has_jobs.broadcast();
+  while (state->num_threads_alive != 0) state->all_exited.wait(state->lock);
   state->queue.clear();
 }
 
-void report_start(thpool* state) {
-  const ScopedLock lock(state->count_lock);
-  ++state->num_threads_alive;
-  if (state->num_threads_alive == state->num_threads) state->all_idle.signal();
+// Wakes workers for `jobs` new jobs when `waiting` of them wait. Called without the lock, which a
+// woken worker takes first. One that is already on its way may be counted again: then a worker that
+// becomes free takes the job.
+void wake_workers(thpool* state, int32_t jobs, int32_t waiting) {
+  if (jobs >= waiting) {
+    if (waiting > 0) state->has_jobs.broadcast();
+    return;
+  }
+  for (int32_t i = 0; i < jobs; ++i) state->has_jobs.signal();
 }
 
-void report_end(thpool* state) {
-  const ScopedLock lock(state->count_lock);
-  --state->num_threads_alive;
-  if (state->num_threads_alive == 0) state->all_exited.signal();
-}
-
-// The busy count rises before the job leaves the queue and falls after it has run, so a job is
-// always visible in one of the two; and whenever the last one ends, the count falls to 0 under its
-// lock. That is why `wait` can neither return early nor miss its signal.
+// Runs the front job. The lock is held before and after.
 void run_next_job(thpool* state) {
+  const job next = state->queue.take();
+  ++state->num_threads_working;
+  state->lock.unlock();
   {
-    const ScopedLock lock(state->count_lock);
-    ++state->num_threads_working;
+    const TraceSlice slice(next.name);
+    next.function(next.argument);
   }
-  job* taken = state->queue.take();
-  if (taken != nullptr) {
-    taken->function(taken->argument);
-    std::free(taken);
-  }
-  const ScopedLock lock(state->count_lock);
+  state->lock.lock();
   --state->num_threads_working;
-  if (state->num_threads_working == 0) state->all_idle.signal();
+  if (state->num_threads_working == 0 && state->queue.empty()) state->all_idle.signal();
 }
 
 }  // namespace
@@ -123,11 +117,32 @@ int ThreadPool::addWork(void* (*function)(void*), void* argument) {
     VOREL_LOGE("mThreadPool is not initialized");
     return -1;
   }
-  if (!mThreadPool->queue.add(function, argument)) {
+  thpool* state = mThreadPool.get();
+  state->lock.lock();
+  const bool added = state->queue.append(function, argument);
+  const int32_t waiting = state->num_threads_waiting;
+  state->lock.unlock();
+  if (!added) {
     VOREL_LOGE("Allocation failed for new job");
     return -1;
   }
+  wake_workers(state, 1, waiting);
   return 0;
+}
+
+bool add_batch(ThreadPool* pool, job_batch* batch) {
+  if (!pool->mThreadPool) {
+    VOREL_LOGE("mThreadPool is not initialized");
+    return false;
+  }
+  thpool* state = pool->mThreadPool.get();
+  const int32_t count = batch->count;
+  state->lock.lock();
+  state->queue.append(batch);
+  const int32_t waiting = state->num_threads_waiting;
+  state->lock.unlock();
+  wake_workers(state, count, waiting);
+  return true;
 }
 
 int ThreadPool::wait() {
@@ -136,9 +151,9 @@ int ThreadPool::wait() {
     return -1;
   }
   thpool* state = mThreadPool.get();
-  const ScopedLock lock(state->count_lock);
-  while (state->queue.length() != 0 || state->num_threads_working != 0) {
-    state->all_idle.wait(state->count_lock);
+  const ScopedLock lock(state->lock);
+  while (!state->queue.empty() || state->num_threads_working != 0) {
+    state->all_idle.wait(state->lock);
   }
   return 0;
 }
@@ -148,7 +163,7 @@ int ThreadPool::num_threads_working() {
     VOREL_LOGE("mThreadPool is not initialized");
     return -1;
   }
-  const ScopedLock lock(mThreadPool->count_lock);
+  const ScopedLock lock(mThreadPool->lock);
   return mThreadPool->num_threads_working;
 }
 
@@ -194,12 +209,19 @@ void* ThreadPool::thread_do(void* record) {
   set_thread_name(name);
   set_thread_affinity(self->affinity_mask);
 
-  report_start(state.get());
+  const ScopedLock lock(state->lock);
+  ++state->num_threads_alive;
+  if (state->num_threads_alive == state->num_threads) state->all_idle.signal();
   while (owner->mKeepAlive.load() != 0) {
-    state->queue.waitForJob();
-    if (owner->mKeepAlive.load() == 0) break;
-    run_next_job(state.get());
+    if (!state->queue.empty()) {
+      run_next_job(state.get());
+      continue;
+    }
+    ++state->num_threads_waiting;
+    state->has_jobs.wait(state->lock);
+    --state->num_threads_waiting;
   }
-  report_end(state.get());
+  --state->num_threads_alive;
+  if (state->num_threads_alive == 0) state->all_exited.signal();
   return nullptr;
 }

@@ -61,8 +61,8 @@ class PreparedAllocator {
   size_t bytes_;
 };
 
-// Lock order: `count_lock`, then the semaphore inside `queue`. `count_lock` and the queue's lock
-// are never held together.
+// One lock for counters and queue: a worker that has run a job reports it and takes the next one in
+// one round. Jobs run with no lock held.
 struct thpool {
   thpool(size_t worker_count, const PreparedAllocator<thread>& allocator) : workers(allocator) {
     if (worker_count > 0) workers.resize(worker_count);
@@ -70,13 +70,18 @@ struct thpool {
 
   std::vector<thread, PreparedAllocator<thread>> workers;
   char thread_name[kThreadNameSize] = {};
-  int32_t num_threads = 0;          // under count_lock, as the next two
+  Mutex lock;                       // for all that follows
+  int32_t num_threads = 0;          // that are to start
   int32_t num_threads_alive = 0;    // workers that have started and not ended
-  int32_t num_threads_working = 0;  // workers that have a job or are about to take one
-  Mutex count_lock;
-  Condition all_idle;    // all workers have started, or none is working
-  Condition all_exited;  // no worker is alive
+  int32_t num_threads_working = 0;  // workers that run a job
+  int32_t num_threads_waiting = 0;  // workers that wait for a job, woken ones too
   JobQueue queue;
+  Condition has_jobs;    // a job has come, or the workers are to end
+  Condition all_idle;    // all workers have started, or no job is queued or runs
+  Condition all_exited;  // no worker is alive
 };
+
+// Queues a batch and wakes as many workers as it has calls. Returns false, logged, without workers.
+[[nodiscard]] bool add_batch(ThreadPool* pool, job_batch* batch);
 
 #endif  // VOREL_THREADING_THREAD_POOL_STATE_H_

@@ -68,7 +68,7 @@ void pad_pairs(const buffer& pairs, const buffer* planes, uint32_t row_begin, ui
     const bool last = i + 1 == kCopyAndPadJobs;  // takes the remainder
     jobs[i] = {&pairs, planes, first, last ? row_end : first + band};
   }
-  run_jobs(pool, run_pad_pairs, jobs, kCopyAndPadJobs);
+  run_jobs(pool, run_pad_pairs, jobs, kCopyAndPadJobs, "pad band");
 }
 
 void mean_3x3_plane(const buffer& in, const buffer& out) {

@@ -89,7 +89,7 @@ void* run_plane(void* argument) {
 
 void run_whole_planes(chroma_process* process, const buffer* planes, const buffer& out) {
   plane_job jobs[2] = {{process, 1, &planes[0]}, {process, 2, &planes[1]}};
-  run_jobs(process->pool, run_plane, jobs, 2);
+  run_jobs(process->pool, run_plane, jobs, 2, "denoise plane");
   dump_padded(*process, "dS_", planes, false);
   dump_padded(*process, "dS_", planes, true);
   const saturation step = saturation_of(*process, planes, out);
@@ -158,7 +158,7 @@ bool run_bands(chroma_process* process, const buffer* planes, const buffer& out)
   }
   const bool taken = take_band_memory(process, frame, jobs, count);
   if (taken) {
-    run_jobs(process->pool, run_band, jobs, count);
+    run_jobs(process->pool, run_band, jobs, count, "denoise band");
     log_bands(frame, saturation_of(*process, planes, out), jobs, count);
   }
   for (int i = 0; i < count; ++i) release_plane(&jobs[i].memory);

@@ -47,7 +47,7 @@ void saturate_plane(const saturation& planes, ThreadPool* pool) {
     const bool last = i + 1 == kSaturationJobs;  // takes the remainder
     jobs[i] = {&planes, i * band, last ? planes.out->height : (i + 1) * band};
   }
-  run_jobs(pool, run_saturation, jobs, kSaturationJobs);
+  run_jobs(pool, run_saturation, jobs, kSaturationJobs, "saturation band");
 }
 
 void log_saturation(const saturation& planes) {

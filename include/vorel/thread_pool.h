@@ -10,6 +10,7 @@
 
 struct thpool;  // workers, counters and job queue; shared by the pool object and its workers
 struct thread;  // record of one worker
+struct job_batch;
 
 /// Runs jobs on worker threads that live from `init` to `deinit`. Both may be called again and
 /// again on one object. Calls of `init`, `wait` and `deinit` belong to one thread at a time; jobs
@@ -59,6 +60,8 @@ class VOREL_EXPORT ThreadPool {
   static void* thread_do(void* record);
 
  private:
+  friend bool add_batch(ThreadPool* pool, job_batch* batch);
+
   std::atomic<int32_t> mKeepAlive;
   std::shared_ptr<thpool> mThreadPool;
 };

@@ -1,7 +1,10 @@
 // The built command from outside: exit statuses, messages, files.
 #include <gmock/gmock.h>
+#include <jansson.h>
 
 #include <filesystem>
+#include <map>
+#include <set>
 
 #include "tests/support/source_path.h"
 #include "tests/tools/run_command.h"
@@ -305,6 +308,61 @@ TEST_F(Command, CheckReportsFindingsPerFile) {
   EXPECT_THAT(bad.out, HasSubstr("bad.json:1:3: error: "));
   EXPECT_THAT(bad.out, HasSubstr(good + ": ok")) << "the others are checked all the same";
   EXPECT_THAT(bad.out, HasSubstr("2 errors, 0 warnings"));
+}
+
+TEST_F(Command, DumpsThatCannotBeWrittenAreAWarning) {
+  // The four half-precision planes with their border exceed the limit.
+  const std::string dumps = directory / "dumps";
+  CommandSetup setup;
+  setup.file_limit = 8000;
+  const CommandResult run = run_vorel(
+      {"denoise", raw, "-o", directory / "out_64x48.nv21", "-n", "1600", "--dump", dumps}, setup);
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_THAT(run.err, HasSubstr("warning: 4 of a frame's 52 dumps could not be written to " +
+                                 dumps + "/0_"));
+  EXPECT_THAT(run.err, HasSubstr(": File too large\n"));
+}
+
+// Read as a viewer reads it: slices of a thread are nested, and stages, jobs and counters are
+// there.
+TEST_F(Command, TraceShowsStagesAndJobs) {
+  const std::string trace = directory / "trace.json";
+  const CommandResult run = run_vorel({"denoise", raw, "-o", out, "-n", "800", "--trace", trace});
+  ASSERT_EQ(run.status, 0) << run.err;
+  json_t* root = json_loads(read_text(trace).c_str(), 0, nullptr);
+  ASSERT_NE(root, nullptr);
+  std::map<std::string, int> counts;
+  std::map<json_int_t, std::vector<double>> open;
+  std::set<std::string> threads;
+  size_t index = 0;
+  json_t* event = nullptr;
+  json_array_foreach(json_object_get(root, "traceEvents"), index, event) {
+    const std::string phase = json_string_value(json_object_get(event, "ph"));
+    const char* name = json_string_value(json_object_get(event, "name"));
+    const double time = json_number_value(json_object_get(event, "ts"));
+    std::vector<double>& slices = open[json_integer_value(json_object_get(event, "tid"))];
+    const json_t* arguments = json_object_get(event, "args");
+    if (phase == "M") threads.insert(json_string_value(json_object_get(arguments, "name")));
+    if (phase == "B") slices.push_back(time);
+    if (phase == "E") {
+      ASSERT_FALSE(slices.empty());
+      EXPECT_LE(slices.back(), time);
+      slices.pop_back();
+    }
+    if (phase == "C" && std::string(name) == "vorel noise index") {
+      EXPECT_EQ(json_integer_value(json_object_get(arguments, "value")), 800);
+    }
+    if (phase != "E") ++counts[name];
+  }
+  json_decref(root);
+  for (const auto& [thread, slices] : open) EXPECT_THAT(slices, IsEmpty()) << thread;
+  for (const char* stage :
+       {"vorel_deinterleave", "vorel_box_filter", "vorel_yuv", "vorel_interleave", "MFD_UV",
+        "vorel noise index", "vorel noise level"}) {
+    EXPECT_EQ(counts[stage], 1) << stage;
+  }
+  EXPECT_GT(counts["box filter strip"], 1);
+  EXPECT_THAT(threads, testing::Contains(testing::StartsWith("vorel-0-")));
 }
 
 }  // namespace

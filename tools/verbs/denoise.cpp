@@ -7,6 +7,8 @@
 #include <filesystem>
 
 #include "tools/files/failure.h"
+#include "tools/files/printable.h"
+#include "tools/library/trace_file.h"
 #include "tools/pictures/colour.h"
 #include "tools/pictures/side_by_side.h"
 #include "tools/verbs/denoise_summary.h"
@@ -60,6 +62,7 @@ class DenoiseRun {
     output_ = PictureOutput::open(options_.output, options_.quality);
     if (options_.compare) compare_ = PictureOutput::open(*options_.compare, options_.quality);
     if (options_.dump) request_dumps(*options_.dump);
+    if (options_.trace) trace_.emplace(*options_.trace);
   }
 
   DenoiseSummary run() {
@@ -73,7 +76,9 @@ class DenoiseRun {
     if (summary_.frames == 0) throw input_error(options_.input, "holds no frame");
     output_->finish();
     if (compare_) compare_->finish();
+    if (trace_) trace_->finish();
     fill_names();
+    warn_of_dumps();
     return std::move(summary_);
   }
 
@@ -87,6 +92,7 @@ class DenoiseRun {
     const vorel_frame_info report = engine_->process(after, options_.separate_planes, noise_index);
     const bool skipped = report.status == VOREL_BELOW_GATE;
 
+    if (report.dumps_failed > dump_trouble_.dumps_failed) dump_trouble_ = report;
     ++summary_.frames;
     summary_.milliseconds += static_cast<double>(report.total_usec) / 1000.0;
     summary_.change.add(before, after);
@@ -136,6 +142,17 @@ class DenoiseRun {
     if (compare_) compare_->write({side_by_side(images, std::nullopt, 1), {}});
   }
 
+  // The frames themselves are fine.
+  void warn_of_dumps() const {
+    if (dump_trouble_.dumps_failed == 0) return;
+    const std::string folder = engine_->info().dump_path;
+    std::fprintf(
+        stderr, "vorel: warning: %d of a frame's %d dumps could not be written to %s: %s\n",
+        dump_trouble_.dumps_failed, dump_trouble_.dumps_failed + dump_trouble_.dumps_written,
+        printable(folder.empty() ? *options_.dump : folder).c_str(),
+        std::generic_category().message(dump_trouble_.dumps_error).c_str());
+  }
+
   void fill_names() {
     summary_.input = options_.input;
     summary_.output = options_.output;
@@ -161,7 +178,9 @@ class DenoiseRun {
   std::optional<Picture> truth_;
   std::unique_ptr<PictureOutput> output_;
   std::unique_ptr<PictureOutput> compare_;
+  std::optional<TraceFile> trace_;
   std::unique_ptr<Engine> engine_;
+  vorel_frame_info dump_trouble_{};  // of the frame that lost most dumps
   DenoiseSummary summary_;
 };
 
@@ -170,6 +189,7 @@ class DenoiseRun {
 void run_denoise(const DenoiseOptions& options, const LibraryCalls& calls) {
   std::vector<std::string> outputs{options.output};
   if (options.compare) outputs.push_back(*options.compare);
+  if (options.trace) outputs.push_back(*options.trace);
   std::vector<std::string> inputs{options.input};
   if (options.truth) inputs.push_back(*options.truth);
   if (options.tuning.name) inputs.push_back(*options.tuning.name);

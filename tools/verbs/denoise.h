@@ -23,6 +23,7 @@ struct DenoiseOptions {
   std::optional<std::string> compare;  // before and after, side by side
   std::optional<std::string> truth;    // the same picture without noise
   std::optional<std::string> dump;     // directory for the library's dumps
+  std::optional<std::string> trace;    // time line of what the library does
   int quality = kDefaultJpegQuality;
   LogLevel log = LogLevel::kWarning;
   bool quiet = false;

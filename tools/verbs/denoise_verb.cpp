@@ -50,6 +50,9 @@ Verb add_denoise_verb(CLI::App& app) {
   verb.add_option("--dump", options->dump,
                   "let the library dump every plane into a folder below DIR")
       ->option_text("DIR");
+  verb.add_option("--trace", options->trace,
+                  "write a time line of stages, jobs and waits, for trace viewers")
+      ->option_text("FILE.json");
   verb.add_option_function<std::string>(
           "--log", [options](const std::string& text) { options->log = kLevels.at(text); },
           "which lines of the library to show (warning is the default)")
