@@ -1,5 +1,5 @@
 # The door. Everything is built under build/ by the CMake presets; results go to out/.
-.PHONY: help demo test bench check test-arm format install
+.PHONY: help demo test bench bench-pair check test-arm format install
 .DEFAULT_GOAL := help
 
 JOBS ?= $(shell nproc)
@@ -9,6 +9,7 @@ help:
 	@echo 'make demo      denoise the sample picture, show the figures, write out/demo/*.png'
 	@echo 'make test      build and run the tests on this machine'
 	@echo 'make bench     benchmarks as a table; BENCH_ARGS=--benchmark_filter=... chooses'
+	@echo 'make bench-pair OLD=COMMIT   frames of this tree and of an older one, in turn'
 	@echo 'make check     every check (scripts/check.sh runs single ones)'
 	@echo 'make test-arm  build for 64-bit Arm and run the tests in emulation'
 	@echo 'make format    lay out the sources with clang-format'
@@ -22,6 +23,10 @@ test: build-host
 
 bench: build-host
 	build/host/bench/vorel_bench $(BENCH_ARGS)
+
+bench-pair: build-host
+	@test -n '$(OLD)' || { echo 'make bench-pair OLD=COMMIT [BENCH_ARGS=...]'; exit 1; }
+	scripts/bench_pair.sh '$(OLD)' $(BENCH_ARGS)
 
 check:
 	scripts/setup.sh build check arm

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "bench/bench_picture.h"
+
 struct FrameSize {
   int width;
   int height;
@@ -20,9 +22,6 @@ struct FrameSize {
 };
 
 inline constexpr FrameSize kBenchFrames[] = {{1920, 1080}, {4000, 3000}};
-
-// Bytes that look like a picture to a kernel: smooth, with noise on top. The same on every machine.
-std::vector<uint8_t> make_bench_plane(size_t bytes, uint32_t seed);
 
 // Measures the copy of one frame and adds two counters: "copy_ms", and "x_copy", the benchmark's
 // time per iteration in copies. Call it before the timing loop.

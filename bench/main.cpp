@@ -74,12 +74,13 @@ class MarkdownReporter : public benchmark::BenchmarkReporter {
  private:
   static constexpr int kNameWidth = 58;
 
-  // "/real_time" stands behind every name and tells nothing here.
+  // "/iterations:1" and "/real_time" behind a name tell nothing here.
   static std::string name(const Run& run) {
     std::string name = run.benchmark_name();
-    const std::string suffix = "/real_time";
-    const size_t at = name.find(suffix);
-    if (at != std::string::npos) name.erase(at, suffix.size());
+    for (const char* suffix : {"/iterations:", "/real_time", "/manual_time"}) {
+      const size_t at = name.find(suffix);
+      if (at != std::string::npos) name.erase(at);
+    }
     return name;
   }
 
