@@ -1,6 +1,7 @@
 // The stages of the spatial path, and the wavelet stage, in the order in which the driver thread
-// calls them. Each returns 0, or -1 for a format that it does not know. A stage queues its jobs on
-// the first pool and waits for them; without running workers it leaves the planes alone.
+// calls them. Each returns 0, or -1 for a format that it does not know. A stage hands its jobs to
+// the frame's workers and waits for them; without running workers it leaves the planes alone, and
+// the frame's report says so.
 #ifndef VOREL_CORE_STAGES_H_
 #define VOREL_CORE_STAGES_H_
 
