@@ -5,6 +5,7 @@
 #     host      the tests on this machine
 #     format    layout as .clang-format has it
 #     includes  direction of the includes; public headers compile alone
+#     tidy      clang-tidy over the library and most rooms of the command
 #     exports   exported names, whose symbols a folder uses, how the library is linked
 #     abi       binary interface against the recorded one
 #     android   Android.bp against the CMake lists; library and tests as Android compiles them
@@ -62,6 +63,13 @@ check_format() {
 
 check_includes() { scripts/check_includes.py; }
 
+check_tidy() {
+  configure_and_build host --target vorel vorel_static
+  git ls-files -z -- '*.cpp' |
+    grep -zE '^(platform|threading|tuning|filters|convert|wavelet|core|tools/(files|library|measure|tuning))/' |
+    grep -zv '^platform/android/' | xargs -0 -P "$(nproc)" -n 4 clang-tidy-19 --quiet -p build/host
+}
+
 check_exports() {
   configure_and_build host --target vorel vorel_static
   scripts/exports.sh check build/host
@@ -111,9 +119,9 @@ check_bench() {
 }
 
 fast=(format includes host exports)
-everything=(format includes host exports android schema install abi debug asan tsan arm fuzz bench)
+everything=(format includes tidy host exports android schema install abi debug asan tsan arm fuzz bench)
 
-[ $# -gt 0 ] || { sed -n '3,19s/^# \{0,1\}//p' "$0"; exit 1; }
+[ $# -gt 0 ] || { sed -n '3,20s/^# \{0,1\}//p' "$0"; exit 1; }
 if [ "$1" = --step ]; then
   "check_$2"
   exit

@@ -15,7 +15,7 @@ build_packages=(
   libgtest-dev libgmock-dev libbenchmark-dev)
 
 check_packages=(
-  clang-format-19 libclang-rt-19-dev abigail-tools binutils python3-minimal python3-jsonschema
+  clang-format-19 clang-tidy-19 libclang-rt-19-dev abigail-tools binutils python3-minimal python3-jsonschema
   soong android-libcutils-dev qemu-user)
 
 measure_packages=(python3-numpy python3-pil)

@@ -5,6 +5,7 @@
 namespace {
 
 const char* override_or(const char* variable, const char* directory) {
+  // Nobody sets variables while handles are opened. NOLINTNEXTLINE(concurrency-mt-unsafe)
   const char* named = std::getenv(variable);
   return named != nullptr && named[0] != '\0' ? named : directory;
 }

@@ -13,6 +13,7 @@ int property_get(const char* key, char* value, const char* default_value) {
                        : static_cast<char>(std::toupper(static_cast<unsigned char>(key[length])));
   }
   name[length] = '\0';
+  // Nobody sets variables while handles are opened. NOLINTNEXTLINE(concurrency-mt-unsafe)
   const char* found = std::getenv(name);
   if (found == nullptr) found = default_value != nullptr ? default_value : "";
   const int written = std::snprintf(value, PROPERTY_VALUE_MAX, "%s", found);

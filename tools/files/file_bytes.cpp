@@ -40,7 +40,7 @@ std::vector<uint8_t> read_file(const std::string& path, size_t limit) {
     if (used > limit) {
       throw input_error(path, "is longer than " + std::to_string(limit) + " bytes");
     }
-    if (got == 0) break;
+    if (std::feof(file.get()) != 0 || std::ferror(file.get()) != 0) break;
   }
   if (std::ferror(file.get()) != 0) throw input_error(path, errno_text(errno));
   bytes.resize(used);
