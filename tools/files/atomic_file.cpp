@@ -8,6 +8,7 @@
 #include <cerrno>
 
 #include "tools/files/failure.h"
+#include "tools/files/input_file.h"
 
 namespace tool {
 namespace {
@@ -35,7 +36,12 @@ std::string directory_of(const std::string& path) {
 
 }  // namespace
 
-AtomicFile::AtomicFile(const std::string& path) : path_(path), target_(resolve(path)) {
+AtomicFile::AtomicFile(const std::string& path) : path_(path) {
+  if (path == kStandardStream) {
+    open_standard_output();
+    return;
+  }
+  target_ = resolve(path);
   struct stat existing{};
   const bool exists = stat(target_.c_str(), &existing) == 0;
   if (!exists && errno != ENOENT) throw cannot_write(path_, errno);
@@ -54,6 +60,15 @@ AtomicFile::AtomicFile(const std::string& path) : path_(path), target_(resolve(p
 AtomicFile::~AtomicFile() {
   if (descriptor_ >= 0) close(descriptor_);
   if (!temporary_.empty()) unlink(temporary_.c_str());
+}
+
+void AtomicFile::open_standard_output() {
+  path_ = "standard output";
+  if (isatty(STDOUT_FILENO) != 0) {
+    throw usage_error("standard output is a terminal; send the picture to a file or a pipe");
+  }
+  descriptor_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+  if (descriptor_ < 0) throw cannot_write(path_, errno);
 }
 
 void AtomicFile::open_beside() {

@@ -14,7 +14,8 @@ namespace tool {
 
 // Writes to a hidden file beside `path` and gives it that name in `commit`, after its bytes are on
 // the disk. Without `commit`, or after a signal, nothing is left behind and an older file of that
-// name is untouched. Devices and pipes are written directly. Every failure throws, naming `path`.
+// name is untouched. Devices, pipes and
+// standard output ("-") are written directly. Every failure throws, naming `path`.
 class AtomicFile {
  public:
   explicit AtomicFile(const std::string& path);
@@ -27,6 +28,7 @@ class AtomicFile {
   void commit();
 
  private:
+  void open_standard_output();
   void open_beside();
   void close_checked();
 

@@ -76,6 +76,11 @@ Nv21Frame nv21_from_planes(int width, int height, const uint8_t* y, const uint8_
   return frame;
 }
 
+void join_chroma(const uint8_t* u, const uint8_t* v, Nv21Frame& frame) {
+  libyuv::MergeUVPlane(v, frame.chroma_width(), u, frame.chroma_width(), frame.vu(),
+                       frame.chroma_stride(), frame.chroma_width(), frame.chroma_height());
+}
+
 ChromaPlanes split_chroma(const Nv21Frame& frame) {
   ChromaPlanes planes{std::vector<uint8_t>(frame.chroma_bytes() / 2),
                       std::vector<uint8_t>(frame.chroma_bytes() / 2)};

@@ -23,6 +23,7 @@ namespace tool {
 // Interleaves and separates chroma planes of dense rows.
 [[nodiscard]] Nv21Frame nv21_from_planes(int width, int height, const uint8_t* y, const uint8_t* u,
                                          const uint8_t* v);
+void join_chroma(const uint8_t* u, const uint8_t* v, Nv21Frame& frame);
 struct ChromaPlanes {
   std::vector<uint8_t> u;
   std::vector<uint8_t> v;

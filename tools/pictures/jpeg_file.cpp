@@ -248,7 +248,7 @@ bool is_jpeg(const std::vector<uint8_t>& bytes) {
   return bytes.size() >= 3 && bytes[0] == 0xFF && bytes[1] == 0xD8 && bytes[2] == 0xFF;
 }
 
-Picture decode_jpeg(const std::string& path, const std::vector<uint8_t>& bytes) {
+Picture decode_jpeg(const std::string& path, std::vector<uint8_t> bytes) {
   JpegState state;
   jpeg_decompress_struct codec{};
   set_up_errors(state);
@@ -261,8 +261,13 @@ Picture decode_jpeg(const std::string& path, const std::vector<uint8_t>& bytes) 
   if (!read) throw input_error(path, "no readable JPEG picture: " + state.error);
   if (state.cut_short) throw input_error(path, "no readable JPEG picture: the file is cut short");
   if (!state.warning.empty()) warn(path + ": " + state.warning);
-  if (sampling == Sampling::kOther) return {std::move(state.image), std::move(state.metadata)};
-  return {join_planes(state.planes, sampling, size), std::move(state.metadata)};
+  const auto origin = std::make_shared<Origin>();
+  origin->kind = FileKind::kJpeg;
+  origin->bytes = std::move(bytes);
+  if (sampling == Sampling::kOther) {
+    return {std::move(state.image), std::move(state.metadata), origin};
+  }
+  return {join_planes(state.planes, sampling, size), std::move(state.metadata), origin};
 }
 
 std::vector<uint8_t> encode_jpeg(const Nv21Frame& frame, int quality, const Metadata& metadata) {

@@ -17,7 +17,7 @@ inline constexpr int kDefaultJpegQuality = 95;
 
 // A full-range BT.601 frame, or RGB for files of unusual sampling. Cut files throw an input error
 // that names `path`; lesser damage is a warning.
-[[nodiscard]] Picture decode_jpeg(const std::string& path, const std::vector<uint8_t>& bytes);
+[[nodiscard]] Picture decode_jpeg(const std::string& path, std::vector<uint8_t> bytes);
 
 // `frame` must be full-range BT.601.
 [[nodiscard]] std::vector<uint8_t> encode_jpeg(const Nv21Frame& frame, int quality,

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <variant>
 #include <vector>
@@ -79,16 +80,36 @@ struct Nv21Frame {
   std::vector<uint8_t> data;
 };
 
+enum class FileKind { kPng, kJpeg, kRaw, kY4m };
+
+// Order of the chroma samples in a raw frame: V/U pairs, U/V pairs, a U and a V plane, V and U.
+enum class Layout { kNv21, kNv12, kI420, kYv12 };
+[[nodiscard]] constexpr bool is_planar(Layout layout) {
+  return layout == Layout::kI420 || layout == Layout::kYv12;
+}
+
+// The file, or the frame of a file, that a picture was read from.
+struct Origin {
+  FileKind kind{};
+  std::vector<uint8_t> bytes;  // as they came; empty when they do not serve as a file
+  Layout layout{};             // of raw frames
+  bool dense = true;           // raw rows without a gap
+  // What of the file is lost when the picture is written anew, each the end of a sentence.
+  std::vector<std::string> losses;
+};
+
 // What files carry besides the picture, handed on to files of a kind that can hold it.
 struct Metadata {
-  std::vector<uint8_t> exif;  // TIFF structure, without JPEG's "Exif" header
-  std::vector<uint8_t> icc;   // colour profile
-  std::string y4m_tags;       // stream parameters other than the size
+  std::vector<uint8_t> exif;   // TIFF structure, without JPEG's "Exif" header
+  std::vector<uint8_t> icc;    // colour profile
+  std::string y4m_tags;        // stream parameters in their order, the size among them
+  std::string y4m_frame_tags;  // of the frame, from the blank on
 };
 
 struct Picture {
   std::variant<RgbImage, Nv21Frame> pixels;
   Metadata metadata;
+  std::shared_ptr<const Origin> origin = {};  // null for pictures that come from no file
 
   [[nodiscard]] Size size() const;
 };

@@ -15,6 +15,7 @@ struct Extension {
 constexpr Extension kExtensions[] = {
     {"png", FileKind::kPng},  {"jpg", FileKind::kJpeg}, {"jpeg", FileKind::kJpeg},
     {"nv21", FileKind::kRaw}, {"nm21", FileKind::kRaw}, {"nv21_m", FileKind::kRaw},
+    {"nv12", FileKind::kRaw}, {"i420", FileKind::kRaw}, {"yv12", FileKind::kRaw},
     {"raw", FileKind::kRaw},  {"yuv", FileKind::kRaw},  {"y4m", FileKind::kY4m},
 };
 
@@ -54,7 +55,7 @@ std::optional<FileKind> kind_of_name(const std::string& path) {
   return std::nullopt;
 }
 
-const char* known_extensions() { return "png, jpg, nv21, nm21, raw, yuv or y4m"; }
+const char* known_extensions() { return "png, jpg, y4m, nv21, nv12, i420, yv12, yuv or raw"; }
 
 std::vector<Size> sizes_in_name(const std::string& path) {
   const std::string name = base_name(path);

@@ -10,8 +10,6 @@
 
 namespace tool {
 
-enum class FileKind { kPng, kJpeg, kRaw, kY4m };
-
 // By the last extension, whatever its case; nothing for an unknown one.
 [[nodiscard]] std::optional<FileKind> kind_of_name(const std::string& path);
 

@@ -31,6 +31,7 @@ struct PngState {
   RgbImage image{0, 0};
   Metadata metadata;
   bool had_alpha = false;
+  bool had_16_bits = false;
 };
 
 void on_error(png_structp png, png_const_charp text) {
@@ -78,6 +79,7 @@ void request_rgb(PngState& state) {
   const int colour = png_get_color_type(state.png, state.info);
   const bool transparent_colour = png_get_valid(state.png, state.info, PNG_INFO_tRNS) != 0;
   state.had_alpha = (colour & PNG_COLOR_MASK_ALPHA) != 0 || transparent_colour;
+  state.had_16_bits = png_get_bit_depth(state.png, state.info) == 16;
   png_set_expand(state.png);
   png_set_scale_16(state.png);
   if ((colour & PNG_COLOR_MASK_COLOR) == 0) png_set_gray_to_rgb(state.png);
@@ -158,7 +160,7 @@ bool is_png(const std::vector<uint8_t>& bytes) {
   return bytes.size() >= kSignatureBytes && png_sig_cmp(bytes.data(), 0, kSignatureBytes) == 0;
 }
 
-Picture decode_png(const std::string& path, const std::vector<uint8_t>& bytes) {
+Picture decode_png(const std::string& path, std::vector<uint8_t> bytes) {
   PngState state;
   state.input = &bytes;
   state.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &state, on_error, on_warning);
@@ -166,8 +168,12 @@ Picture decode_png(const std::string& path, const std::vector<uint8_t>& bytes) {
   const bool read = state.info != nullptr && read_all(state);
   png_destroy_read_struct(&state.png, &state.info, nullptr);
   if (!read) throw input_error(path, "no readable PNG picture: " + state.error);
-  if (state.had_alpha) warn(path + ": transparency is dropped");
-  return {std::move(state.image), std::move(state.metadata)};
+  const auto origin = std::make_shared<Origin>();
+  origin->kind = FileKind::kPng;
+  origin->bytes = std::move(bytes);
+  if (state.had_alpha) origin->losses.emplace_back("transparency is dropped");
+  if (state.had_16_bits) origin->losses.emplace_back("of 16 bits a sample 8 remain");
+  return {std::move(state.image), std::move(state.metadata), origin};
 }
 
 std::vector<uint8_t> encode_png(const RgbImage& image, const Metadata& metadata) {

@@ -12,9 +12,9 @@ namespace tool {
 
 [[nodiscard]] bool is_png(const std::vector<uint8_t>& bytes);
 
-// Grey, palette and 16-bit pictures become 8-bit RGB; transparency is dropped with a warning.
-// Damaged and cut files throw an input error that names `path`.
-[[nodiscard]] Picture decode_png(const std::string& path, const std::vector<uint8_t>& bytes);
+// Grey, palette and 16-bit pictures become 8-bit RGB and transparency is dropped, which the
+// origin's losses tell. Damaged and cut files throw an input error that names `path`.
+[[nodiscard]] Picture decode_png(const std::string& path, std::vector<uint8_t> bytes);
 
 [[nodiscard]] std::vector<uint8_t> encode_png(const RgbImage& image, const Metadata& metadata);
 

@@ -59,8 +59,9 @@ class DenoiseRun {
         tuning_(choose_tuning(options.tuning)),
         noise_index_(options.noise_index, options.input, calibration_for(tuning_.text)) {
     if (options_.truth) truth_ = read_picture(*options_.truth, options_.read);
-    output_ = PictureOutput::open(options_.output, options_.quality);
-    if (options_.compare) compare_ = PictureOutput::open(*options_.compare, options_.quality);
+    output_ =
+        PictureOutput::open(options_.output, {options_.quality, input_->layout(), input_->kind()});
+    if (options_.compare) compare_ = PictureOutput::open(*options_.compare);
     if (options_.dump) request_dumps(*options_.dump);
     if (options_.trace) trace_.emplace(*options_.trace);
   }

@@ -24,7 +24,7 @@ struct DenoiseOptions {
   std::optional<std::string> truth;    // the same picture without noise
   std::optional<std::string> dump;     // directory for the library's dumps
   std::optional<std::string> trace;    // time line of what the library does
-  int quality = kDefaultJpegQuality;
+  std::optional<int> quality;
   LogLevel log = LogLevel::kWarning;
   bool quiet = false;
   bool force = false;

@@ -60,7 +60,7 @@ class Converter {
     if (options_.png) save(stem(file.name) + ".png", dump_png(file));
     if (options_.y4m && file.content == DumpContent::kFrame) {
       Y4mWriter writer(place(stem(file.name) + ".y4m"));
-      writer.write(read_dump_frame(file), "");
+      writer.write(read_dump_frame(file), {});
       writer.finish();
       ++written_;
     }

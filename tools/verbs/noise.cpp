@@ -13,7 +13,7 @@ void run_noise(const NoiseOptions& options) {
   check_outputs({options.output}, {options.input}, options.force);
   const std::unique_ptr<PictureInput> input = PictureInput::open(options.input, options.read);
   const std::unique_ptr<PictureOutput> output =
-      PictureOutput::open(options.output, options.quality);
+      PictureOutput::open(options.output, {options.quality, input->layout(), input->kind()});
   const bool keeps_rgb = kind_of_name(options.output) == FileKind::kPng;
   NoiseSettings settings{options.gain, options.seed, 0};
   Size size{};

@@ -3,6 +3,7 @@
 #define VOREL_TOOLS_VERBS_NOISE_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "tools/pictures/picture_io.h"
@@ -15,7 +16,7 @@ struct NoiseOptions {
   int gain = 16;
   uint64_t seed = 1;
   ReadOptions read;
-  int quality = kDefaultJpegQuality;
+  std::optional<int> quality;
   bool force = false;
 };
 

@@ -5,8 +5,12 @@
 #include <map>
 #include <optional>
 
+#include "tools/pictures/raw_layout.h"
+
 namespace tool {
 namespace {
+
+constexpr uint64_t kMaxStride = 1 << 20;
 
 std::optional<uint64_t> parse_whole(const std::string& text) {
   uint64_t value = 0;
@@ -106,8 +110,9 @@ void add_output(CLI::App& verb, std::string& output) {
   verb.add_option("-o,--output", output, "file to write")->required()->option_text("OUTPUT");
 }
 
-void add_quality(CLI::App& verb, int& quality) {
-  verb.add_option("--quality", quality, "of JPEG output (95 is the default)")
+void add_quality(CLI::App& verb, std::optional<int>& quality) {
+  verb.add_option("--quality", quality,
+                  "of JPEG output (default: as the JPEG that comes in, else 95)")
       ->option_text("1-100")
       ->check(whole_number(1, 100));
 }
@@ -127,6 +132,22 @@ void add_read_options(CLI::App& app, ReadOptions& read) {
          "size of a raw frame, when its name does not say it")
       ->option_text("WIDTHxHEIGHT")
       ->check(picture_size());
+  app.add_option_function<std::string>(
+         "--layout", [&read](const std::string& text) { read.layout = parse_layout(text); },
+         "order of the samples in raw frames (default: by extension; nv21 for .raw, i420 for .yuv)")
+      ->option_text("nv21|nv12|i420|yv12")
+      ->check(CLI::IsMember({"nv21", "nv12", "i420", "yv12"}));
+  app.add_option("--stride", read.stride, "bytes from one luma row of a raw frame to the next")
+      ->option_text("BYTES")
+      ->check(whole_number(2, kMaxStride));
+  app.add_option_function<std::string>(
+         "--frames",
+         [&read](const std::string& text) {
+           read.frames = text == "all" ? kAllFrames : std::stoi(text);
+         },
+         "frames in a raw file (default: one; of a pipe all that come)")
+      ->option_text("N|all")
+      ->check(whole_number(1, kMaxInt) | CLI::IsMember({"all"}));
   app.add_option_function<std::string>(
          "--range", [&read](const std::string& text) { read.range = kRanges.at(text); },
          "range of YUV samples (full: 0-255, what phones deliver, is the default)")

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <string>
 
 #include "tools/library/tuning_choice.h"
@@ -36,10 +37,11 @@ void add_tuning(CLI::App& verb, TuningRequest& request);
 
 // Options that several verbs have.
 void add_output(CLI::App& verb, std::string& output);
-void add_quality(CLI::App& verb, int& quality);
+void add_quality(CLI::App& verb, std::optional<int>& quality);
 void add_force(CLI::App& verb, bool& force);
 
-// Adds --size, --range and --matrix. `read` must live as long as the app.
+// Adds --size, --layout, --stride, --frames, --range and --matrix. `read` must live as long as the
+// app.
 void add_read_options(CLI::App& app, ReadOptions& read);
 
 }  // namespace tool

@@ -11,6 +11,7 @@
 #include "tools/files/file_bytes.h"
 #include "tools/pictures/colour.h"
 #include "tools/pictures/png_file.h"
+#include "tools/pictures/raw_layout.h"
 
 namespace {
 
@@ -81,6 +82,98 @@ TEST(PictureIo, RawKeepsEveryBitAndTakesItsSizeFromNameOrOption) {
     EXPECT_EQ(frame(tool::read_picture(directory / "plain.yuv", {size, {}, {}})).data,
               original.data);
   }
+}
+
+// Pixels with colours that differ between all places, so that no two layouts look alike.
+TEST(PictureIo, RawLayoutsHoldTheSamePicture) {
+  const TestDirectory directory;
+  for (const Size size : {Size{18, 6}, Size{17, 9}}) {
+    const Nv21Frame original = patterned_frame(size.width, size.height);
+    const auto luma = static_cast<size_t>(size.width * size.height);
+    const size_t chroma = (original.data.size() - luma) / 2;
+    const auto v = [&](size_t i) { return original.vu()[2 * i]; };
+    const auto u = [&](size_t i) { return original.vu()[2 * i + 1]; };
+    for (const std::string name : {"nv21", "nv12", "i420", "yv12"}) {
+      const std::string path = directory / ("a." + name);
+      save(path, original);
+      const std::string bytes = read_text(path).substr(luma);
+      const bool planar = name == "i420" || name == "yv12";
+      const bool u_first = name == "nv12" || name == "i420";
+      const auto first = static_cast<uint8_t>(bytes[planar ? 1 : 2]);
+      const auto second = static_cast<uint8_t>(bytes[planar ? chroma + 1 : 3]);
+      EXPECT_EQ(first, u_first ? u(1) : v(1)) << name;
+      EXPECT_EQ(second, u_first ? v(1) : u(1)) << name;
+      EXPECT_EQ(frame(tool::read_picture(path, {size})).data, original.data) << name;
+      std::filesystem::rename(path, directory / "b.raw");
+      ReadOptions told{size};
+      told.layout = tool::parse_layout(name);
+      EXPECT_EQ(frame(tool::read_picture(directory / "b.raw", told)).data, original.data) << name;
+    }
+  }
+}
+
+TEST(PictureIo, RawRowsMayHaveGapsAndFilesSeveralFrames) {
+  const TestDirectory directory;
+  // 4 x 2 with rows of 6 bytes: luma, then a U row and a V row of 3 bytes; two frames.
+  write_text(directory / "a.i420", "abcd..efgh..UV.uv.ABCD..EFGH..WX.wx.");
+  ReadOptions options{Size{4, 2}};
+  options.stride = 6;
+  options.frames = tool::kAllFrames;
+  const auto input = tool::PictureInput::open(directory / "a.i420", options);
+  EXPECT_EQ(input->expected_frames(), 2);
+  const auto text = [](const Picture& picture) {
+    return std::string(frame(picture).data.begin(), frame(picture).data.end());
+  };
+  EXPECT_EQ(text(*input->next()), "abcdefghuUvV");
+  EXPECT_EQ(text(*input->next()), "ABCDEFGHwWxX");
+  EXPECT_FALSE(input->next());
+  options.frames = 3;
+  expect_unreadable(directory / "a.i420", "3 are asked for", options);
+  options.frames = 1;
+  EXPECT_EQ(text(tool::read_picture(directory / "a.i420", options)), "abcdefghuUvV");
+  options.stride = 3;
+  const auto read = [&] { static_cast<void>(tool::read_picture(directory / "a.i420", options)); };
+  EXPECT_EQ(failure_of(read).first, tool::kBadUsage);
+}
+
+TEST(PictureIo, ChromaOfAnotherLayoutIsNoticed) {
+  using tool::Layout;
+  constexpr Layout kLayouts[] = {Layout::kNv21, Layout::kNv12, Layout::kI420, Layout::kYv12};
+  const Nv21Frame picture = tool::rgb_to_nv21(gradient_picture(128, 96), {});
+  Nv21Frame grey = picture;
+  std::fill_n(grey.vu(), grey.chroma_bytes(), uint8_t{128});
+  for (const Layout held : kLayouts) {
+    for (const Layout read : kLayouts) {
+      const tool::RawShape shape{{128, 96}, read, 0};
+      const auto likelier = tool::likelier_layout(tool::pack_raw(picture, held), shape);
+      EXPECT_EQ(likelier.has_value(), is_planar(held) != is_planar(read))
+          << tool::layout_name(held) << " read as " << tool::layout_name(read);
+      if (likelier) EXPECT_EQ(is_planar(*likelier), is_planar(held));
+      EXPECT_FALSE(tool::likelier_layout(tool::pack_raw(grey, held), shape));
+    }
+  }
+}
+
+TEST(PictureIo, UnchangedPicturesAreWrittenByteForByteToTheirOwnKind) {
+  const TestDirectory directory;
+  // What follows the end of a PNG or JPEG picture shows that the bytes were not made anew.
+  save(directory / "a.png", gradient_picture(20, 10));
+  save(directory / "a.jpg", tool::rgb_to_nv21(gradient_picture(20, 10), {}));
+  for (const char* name : {"a.png", "a.jpg"}) {
+    write_text(directory / name, read_text(directory / name) + "more");
+  }
+  save(directory / "a_20x10.nv12", patterned_frame(20, 10));
+  for (const char* name : {"a.png", "a.jpg", "a_20x10.nv12"}) {
+    const std::string copy = directory / (std::string("copy_") + name);
+    const auto output = tool::PictureOutput::open(copy);
+    output->write_unchanged(tool::read_picture(directory / name, {}));
+    output->finish();
+    EXPECT_EQ(read_text(copy), read_text(directory / name)) << name;
+  }
+  const auto output = tool::PictureOutput::open(directory / "b.nv21");
+  output->write_unchanged(tool::read_picture(directory / "a_20x10.nv12", {}));
+  output->finish();
+  EXPECT_NE(read_text(directory / "b.nv21"), read_text(directory / "a_20x10.nv12"));
 }
 
 TEST(PictureIo, RawSizeIsTheOneThatTheLengthConfirms) {
@@ -161,7 +254,7 @@ TEST(PictureIo, Y4mKeepsEveryFrameAndItsHeader) {
   for (uint8_t& byte : second.data) byte ^= 0x55;
   const auto output = tool::PictureOutput::open(directory / "v.y4m");
   Picture picture{first, {}};
-  picture.metadata.y4m_tags = "F24:1 Ip A1:1 C420mpeg2 XCOLORRANGE=LIMITED";
+  picture.metadata.y4m_tags = "W17 H9 F24:1 Ip A1:1 C420mpeg2 XCOLORRANGE=LIMITED";
   output->write(picture);
   picture.pixels = second;
   output->write(picture);

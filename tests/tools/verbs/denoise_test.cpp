@@ -132,7 +132,7 @@ TEST_F(Denoise, EveryFrameOfAVideoIsProcessed) {
   options.output = directory / "out.y4m";
   const auto output = tool::PictureOutput::open(options.input);
   tool::Picture picture{patterned_frame(16, 4), {}};
-  picture.metadata.y4m_tags = "F24:1 C420mpeg2 XCOLORRANGE=LIMITED";
+  picture.metadata.y4m_tags = "W16 H4 F24:1 C420mpeg2 XCOLORRANGE=LIMITED";
   for (int i = 0; i < 3; ++i) output->write(picture);
   output->finish();
   ASSERT_EQ(run(), tool::kDone) << message;
