@@ -82,6 +82,7 @@ TEST_F(Command, BadUsageIsStatus1) {
   expect_refused({"denoise", in, "-o", out, "--format", "yuyv"}, 1, "--format");
   expect_refused({"denoise", in, "-o", directory / "out.tif"}, 1, "unknown extension");
   expect_refused({"denoise", in, "-o", in}, 1, "is the input");
+  expect_refused({"denoise", directory.path(), "-o", out}, 1, "several pictures need a folder");
   expect_refused({"denoise", in, "-o", out, "--compare", out}, 1, "two results");
   expect_refused({"denoise", in, "-o", out, "--matrix", "709"}, 1, "--matrix 709");
   expect_refused({"noise", in, "-o", out, "--gain", "0"}, 1, "no whole number from 1 to 1024");
@@ -94,7 +95,7 @@ TEST_F(Command, BadUsageIsStatus1) {
 
 TEST_F(Command, BadInputIsStatus2) {
   expect_refused({"denoise", directory / "none.png", "-o", out}, 2, "none.png: No such file");
-  expect_refused({"denoise", directory.path(), "-o", out}, 2, "unknown extension");
+  expect_refused({"denoise", directory / "a.txt", "-o", out}, 2, "unknown extension");
   expect_refused({"denoise", directory / "\x1b[2J\xc2\x9b\xff\n\u00fc.png", "-o", out}, 2,
                  "/\\x1b[2J\\xc2\\x9b\\xff\\n\u00fc.png: No such file");
   expect_refused({"denoise", directory / "a.heic", "-o", out}, 2, "heif-convert");
@@ -240,6 +241,82 @@ TEST_F(Command, InputIsReplacedOnlyWithForce) {
   EXPECT_EQ(run_vorel({"denoise", raw, "-o", raw, "-n", "6400", "--force"}).status, 0);
   EXPECT_NE(read_text(raw), before);
   EXPECT_EQ(read_text(raw).size(), before.size());
+}
+
+TEST_F(Command, ManyPicturesGoThroughAndBadOnesDoNotStopThem) {
+  std::filesystem::create_directory(directory / "in");
+  save(directory / "in/one.png", gradient_picture(32, 32));
+  save(directory / "in/two.jpg", tool::rgb_to_nv21(gradient_picture(40, 24), {}));
+  write_text(directory / "in/three.png", "no picture");
+  write_text(directory / "in/notes.txt", "not asked for");
+  const std::string in = directory / "in";
+  const std::string results = directory / "new/results/";
+  const CommandResult run = run_vorel({"denoise", in, "-o", results, "-j", "3", "-n", "800"});
+  EXPECT_EQ(run.status, 2) << run.err;
+  EXPECT_THAT(run.err, HasSubstr("three.png: is neither"));
+  EXPECT_THAT(run.out, HasSubstr("one.png -> " + results + "one.png: noise index 800"));
+  EXPECT_THAT(run.out, HasSubstr("2 pictures done, 1 of 3 not\n"));
+  EXPECT_EQ(tool::read_picture(results + "two.jpg", {}).size(), (tool::Size{40, 24}));
+
+  // Results that exist are kept; what is missing is made.
+  write_text(results + "one.png", "mine");
+  std::filesystem::remove(results + "two.jpg");
+  const std::vector<std::string> again{"denoise", in + "/one.png", in + "/two.jpg", "-o", results};
+  const CommandResult second = run_vorel(again);
+  EXPECT_EQ(second.status, 1);
+  EXPECT_THAT(second.err, HasSubstr("one.png: exists and is kept; --force"));
+  EXPECT_EQ(read_text(results + "one.png"), "mine");
+  EXPECT_TRUE(std::filesystem::exists(results + "two.jpg"));
+
+  const CommandResult json = run_vorel({"denoise", in + "/one.png", in + "/three.png", "-o",
+                                        directory / "{name}_{ext}.nv12", "--json", "-n", "50"});
+  EXPECT_EQ(json.status, 2);
+  EXPECT_THAT(json.out, HasSubstr("\"noise_index\": 50"));
+  EXPECT_THAT(json.out, HasSubstr("\"error\": \"" + in + "/three.png: is neither"));
+  EXPECT_TRUE(std::filesystem::exists(directory / "one_png.nv12"));
+  expect_refused({"denoise", in + "/one.png", in + "/two.jpg", "-o", directory / "{x}.png"}, 1,
+                 "{x} is unknown");
+  expect_refused({"denoise", in + "/one.png", in + "/two.jpg", "-o", directory / "{name"}, 1,
+                 "{name is unknown");
+  expect_refused({"denoise", in + "/one.png", in + "/../in/one.png", "-o", results}, 1,
+                 "would be the result of");
+}
+
+TEST_F(Command, StreamsAreToldByTheirContents) {
+  save(directory / "a.jpg", tool::rgb_to_nv21(gradient_picture(64, 48), {}));
+  save(directory / "a.y4m", patterned_frame(64, 48));
+  for (const std::string& file : {picture, directory / "a.jpg", directory / "a.y4m", raw}) {
+    CommandSetup setup;
+    setup.standard_input = file;
+    const std::vector<std::string> arguments{"denoise", "-", "-n", "6400", "--size", "64x48", "-o"};
+    std::vector<std::string> piped = arguments;
+    piped.push_back("-");
+    const CommandResult stream = run_vorel(piped, setup);
+    ASSERT_EQ(stream.status, 0) << stream.err;
+    EXPECT_THAT(stream.err, HasSubstr("changed")) << "the summary goes to standard error";
+    const std::string result = directory / ("result" + file.substr(file.rfind('.')));
+    ASSERT_EQ(run_vorel({"denoise", file, "-n", "6400", "-o", result}).status, 0);
+    EXPECT_EQ(digest({stream.out.begin(), stream.out.end()}), digest([&] {
+                const std::string bytes = read_text(result);
+                return std::vector<uint8_t>(bytes.begin(), bytes.end());
+              }()))
+        << file;
+  }
+}
+
+TEST_F(Command, GoodFramesOfACutVideoAreKept) {
+  const std::string video = directory / "cut.y4m";
+  const auto output = tool::PictureOutput::open(video);
+  for (int i = 0; i < 3; ++i) output->write({patterned_frame(64, 48), {}});
+  output->finish();
+  const std::string whole = read_text(video);
+  write_text(video, whole.substr(0, whole.size() - 10));
+  const CommandResult run = run_vorel({"denoise", video, "-o", directory / "o.y4m", "-n", "0"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_THAT(run.err, HasSubstr("frame 3 is cut short; what came before it is in"));
+  const std::string kept = read_text(directory / "o.y4m");
+  EXPECT_EQ(kept, whole.substr(0, kept.size())) << "untouched frames, byte for byte";
+  EXPECT_GT(kept.size(), whole.size() / 2);
 }
 
 TEST_F(Command, CompareSpeaksToPeopleAndPrograms) {

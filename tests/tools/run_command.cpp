@@ -26,6 +26,11 @@ void redirect(int descriptor, const std::string& path) {
                                  const std::string& out, const std::string& err) {
   redirect(STDOUT_FILENO, out);
   redirect(STDERR_FILENO, err);
+  if (!setup.standard_input.empty()) {
+    const int file = open(setup.standard_input.c_str(), O_RDONLY);
+    dup2(file, STDIN_FILENO);
+    close(file);
+  }
   unsetenv("VOREL_FIRMWARE_DIR");
   for (const auto& [name, value] : setup.environment) {
     if (value.empty()) {

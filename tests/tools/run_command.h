@@ -17,6 +17,8 @@ struct CommandResult {
 struct CommandSetup {
   // Set (or, with an empty value, removed) in the command's environment.
   std::vector<std::pair<std::string, std::string>> environment;
+  // File behind standard input; as the test's own when empty.
+  std::string standard_input;
   // Longest file that the command may write, as a file size limit of the process.
   std::optional<size_t> file_limit;
   // Called with the process id while the command runs.

@@ -26,18 +26,37 @@ void add_squares(PlaneError& error, const uint8_t* a, const uint8_t* b, size_t c
   error.samples += static_cast<double>(count);
 }
 
+// Sums of a block of bytes fit 32 bits.
+constexpr size_t kBlock = size_t{1} << 16;
+
 void add_changes(ChangeCount::Plane& plane, const uint8_t* before, const uint8_t* after,
                  size_t count) {
-  uint64_t changed = 0;
-  uint64_t sum = 0;
-  for (size_t i = 0; i < count; ++i) {
-    const int difference = std::abs(after[i] - before[i]);
-    changed += difference != 0 ? 1 : 0;
-    sum += static_cast<uint64_t>(difference);
+  for (size_t first = 0; first < count; first += kBlock) {
+    const size_t end = std::min(first + kBlock, count);
+    uint32_t changed = 0;
+    uint32_t sum = 0;
+    for (size_t i = first; i < end; ++i) {
+      const uint8_t difference =
+          static_cast<uint8_t>(std::max(before[i], after[i]) - std::min(before[i], after[i]));
+      changed += difference != 0 ? 1 : 0;
+      sum += difference;
+    }
+    plane.changed += changed;
+    plane.sum += sum;
   }
-  plane.changed += static_cast<double>(changed);
-  plane.sum += static_cast<double>(sum);
   plane.total += static_cast<double>(count);
+}
+
+// Sum over the first or, from `bytes` + 1, the second bytes of pairs.
+double pair_sum(const uint8_t* bytes, size_t pairs) {
+  double total = 0.0;
+  for (size_t first = 0; first < pairs; first += kBlock) {
+    const size_t end = std::min(first + kBlock, pairs);
+    uint32_t sum = 0;
+    for (size_t i = first; i < end; ++i) sum += bytes[2 * i];
+    total += sum;
+  }
+  return total;
 }
 
 double row_sum(const LabConverter& to_lab, const uint8_t* a, const uint8_t* b, int width) {
@@ -94,6 +113,15 @@ double PictureDistance::mean_ciede2000() const {
 void ChangeCount::add(const Nv21Frame& before, const Nv21Frame& after) {
   add_changes(luma_, before.y(), after.y(), before.luma_bytes());
   add_changes(chroma_, before.vu(), after.vu(), before.chroma_bytes());
+  const size_t pairs = before.chroma_bytes() / 2;
+  shift_sum_.v += pair_sum(after.vu(), pairs) - pair_sum(before.vu(), pairs);
+  shift_sum_.u += pair_sum(after.vu() + 1, pairs) - pair_sum(before.vu() + 1, pairs);
+}
+
+ChangeCount::Shift ChangeCount::chroma_shift() const {
+  const double samples = chroma_.total / 2;
+  if (samples == 0) return {};
+  return {shift_sum_.u / samples, shift_sum_.v / samples};
 }
 
 }  // namespace tool

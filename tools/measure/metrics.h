@@ -40,6 +40,9 @@ class PictureDistance {
 // Mean CIEDE2000 times the number of pixels.
 [[nodiscard]] double ciede2000_sum(const RgbImage& a, const RgbImage& b);
 
+// Denoising the sample picture at any index moves a plane's mean by less than one step.
+inline constexpr double kMostChromaShift = 4.0;
+
 // What processing changed, collected over the frames of a video.
 class ChangeCount {
  public:
@@ -52,12 +55,20 @@ class ChangeCount {
     [[nodiscard]] double share_percent() const { return total > 0 ? 100.0 * changed / total : 0; }
     [[nodiscard]] double mean() const { return total > 0 ? sum / total : 0; }
   };
+  // How far the mean of each chroma plane moved.
+  struct Shift {
+    double u = 0.0;
+    double v = 0.0;
+  };
+  [[nodiscard]] Shift chroma_shift() const;
+
   [[nodiscard]] const Plane& luma() const { return luma_; }
   [[nodiscard]] const Plane& chroma() const { return chroma_; }
 
  private:
   Plane luma_;
   Plane chroma_;
+  Shift shift_sum_;
 };
 
 }  // namespace tool

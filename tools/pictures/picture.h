@@ -100,10 +100,10 @@ struct Origin {
 
 // What files carry besides the picture, handed on to files of a kind that can hold it.
 struct Metadata {
-  std::vector<uint8_t> exif;   // TIFF structure, without JPEG's "Exif" header
-  std::vector<uint8_t> icc;    // colour profile
-  std::string y4m_tags;        // stream parameters in their order, the size among them
-  std::string y4m_frame_tags;  // of the frame, from the blank on
+  std::vector<uint8_t> exif = {};   // TIFF structure, without JPEG's "Exif" header
+  std::vector<uint8_t> icc = {};    // colour profile
+  std::string y4m_tags = {};        // stream parameters in their order, the size among them
+  std::string y4m_frame_tags = {};  // of the frame, from the blank on
 };
 
 struct Picture {

@@ -1,9 +1,10 @@
-// `vorel denoise`: runs the library over a picture or a video.
+// `vorel denoise`: runs the library over pictures and videos.
 #ifndef VOREL_TOOLS_VERBS_DENOISE_H_
 #define VOREL_TOOLS_VERBS_DENOISE_H_
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/library/engine.h"
 #include "tools/library/library_log.h"
@@ -14,8 +15,8 @@
 namespace tool {
 
 struct DenoiseOptions {
-  std::string input;
-  std::string output;
+  std::vector<std::string> inputs;  // files and folders, or "-"
+  std::string output;               // a file, a folder, a name with {name} in it, or "-"
   NoiseIndexRequest noise_index;
   TuningRequest tuning;
   ReadOptions read;
@@ -24,14 +25,17 @@ struct DenoiseOptions {
   std::optional<std::string> truth;    // the same picture without noise
   std::optional<std::string> dump;     // directory for the library's dumps
   std::optional<std::string> trace;    // time line of what the library does
-  std::optional<int> quality;
+  std::optional<int> quality;          // of JPEG files
+  std::optional<int> jobs;             // pictures at a time
   LogLevel log = LogLevel::kWarning;
+  bool json = false;
   bool quiet = false;
   bool force = false;
 };
 
-// Prints a summary unless `quiet`.
-void run_denoise(const DenoiseOptions& options, const LibraryCalls& calls = {});
+// Prints a summary unless `quiet`, to standard error when the picture goes to standard output.
+// Returns the exit status; of several pictures one that fails does not stop the others.
+[[nodiscard]] int run_denoise(const DenoiseOptions& options, const LibraryCalls& calls = {});
 
 }  // namespace tool
 

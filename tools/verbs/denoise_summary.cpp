@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "tools/files/json_text.h"
 #include "tools/files/printable.h"
 
 namespace tool {
@@ -33,18 +34,20 @@ std::string plane_text(const char* name, const ChangeCount::Plane& plane) {
          " % of samples, mean change " + number(plane.mean(), 2);
 }
 
-std::string change_line(const DenoiseSummary& summary) {
+std::string change_text(const DenoiseSummary& summary) {
   if (summary.skipped_frames == summary.frames) {
-    return line("changed", "nothing: noise index " + std::to_string(summary.noise_index) +
-                               " is below the tuning's enableNoiseIndex " +
-                               std::to_string(summary.enable_noise_index));
+    return "nothing: noise index " + std::to_string(summary.noise_index) +
+           " is below the tuning's enableNoiseIndex " + std::to_string(summary.enable_noise_index);
   }
   const ChangeCount& change = summary.change;
   if (change.luma().changed == 0 && change.chroma().changed == 0) {
-    return line("changed", "nothing: this tuning leaves every sample as it was");
+    return "nothing: this tuning leaves every sample as it was";
   }
-  return line("changed",
-              plane_text("chroma", change.chroma()) + "; " + plane_text("luma", change.luma()));
+  return plane_text("chroma", change.chroma()) + "; " + plane_text("luma", change.luma());
+}
+
+json_t* plane_object(const ChangeCount::Plane& plane) {
+  return json_pack("{sfsf}", "changed_percent", plane.share_percent(), "mean_change", plane.mean());
 }
 
 }  // namespace
@@ -57,7 +60,7 @@ std::string summary_text(const DenoiseSummary& summary) {
   text += line("noise index", summary.noise_index_text);
   text += line("size", size_text(summary.size));
   text += time_line(summary);
-  text += change_line(summary);
+  text += line("changed", change_text(summary));
   if (!summary.compare.empty()) {
     text += line("compare", "before and after" +
                                 std::string(summary.truth.empty() ? "" : " and the truth") +
@@ -69,6 +72,44 @@ std::string summary_text(const DenoiseSummary& summary) {
     text += distance_table(summary.distances);
   }
   return text;
+}
+
+std::string summary_line(const DenoiseSummary& summary) {
+  return summary.input + " -> " + summary.output + ": noise index " + summary.noise_index_text +
+         ", changed " + change_text(summary);
+}
+
+json_t* summary_object(const DenoiseSummary& summary) {
+  json_t* object = json_object();
+  const auto set = [&](const char* key, json_t* value) { json_object_set_new(object, key, value); };
+  set("input", json_text(summary.input));
+  set("output", json_text(summary.output));
+  set("tuning", json_text(summary.tuning));
+  set("tuning_date", json_text(summary.tuning_date));
+  set("sensor", json_text(summary.sensor));
+  set("noise_index", json_integer(summary.noise_index));
+  set("noise_index_source", json_text(summary.noise_index_text));
+  set("width", json_integer(summary.size.width));
+  set("height", json_integer(summary.size.height));
+  set("frames", json_integer(summary.frames));
+  set("skipped_frames", json_integer(summary.skipped_frames));
+  set("milliseconds", json_real(summary.milliseconds));
+  set("luma", plane_object(summary.change.luma()));
+  set("chroma", plane_object(summary.change.chroma()));
+  if (!summary.dumps.empty()) set("dumps", json_text(summary.dumps));
+  if (!summary.distances.empty()) {
+    set("truth", json_text(summary.truth));
+    json_t* distances =
+        json_loads(distance_json(summary.truth, summary.distances).c_str(), 0, nullptr);
+    set("distances", json_incref(json_object_get(distances, "pictures")));
+    json_decref(distances);
+  }
+  if (!summary.trouble.empty()) set("error", json_text(summary.trouble));
+  return object;
+}
+
+std::string summary_json(const DenoiseSummary& summary) {
+  return json_lines(summary_object(summary));
 }
 
 }  // namespace tool

@@ -2,6 +2,8 @@
 #ifndef VOREL_TOOLS_VERBS_DENOISE_SUMMARY_H_
 #define VOREL_TOOLS_VERBS_DENOISE_SUMMARY_H_
 
+#include <jansson.h>
+
 #include <string>
 #include <vector>
 
@@ -21,7 +23,7 @@ struct DenoiseSummary {
   Size size{};
   int frames = 0;
   int skipped_frames = 0;
-  int noise_index = 0;         // of the last skipped frame
+  int noise_index = 0;         // of the last frame
   int enable_noise_index = 0;  // of the tuning, when frames were skipped
   double milliseconds = 0.0;   // of all frames
   ChangeCount change;
@@ -29,9 +31,16 @@ struct DenoiseSummary {
   std::string truth;                     // empty when not given
   std::vector<NamedDistance> distances;  // before and after, from the truth
   std::string dumps;                     // directory, empty without dumps
+  std::string trouble;                   // what ended a video early; empty when nothing did
 };
 
+// Several lines for people.
 [[nodiscard]] std::string summary_text(const DenoiseSummary& summary);
+// One line, for one of many pictures; no line end.
+[[nodiscard]] std::string summary_line(const DenoiseSummary& summary);
+// For programs: a new object, or its text.
+[[nodiscard]] json_t* summary_object(const DenoiseSummary& summary);
+[[nodiscard]] std::string summary_json(const DenoiseSummary& summary);
 
 }  // namespace tool
 

@@ -17,7 +17,10 @@ constexpr char kFooter[] =
     "  vorel denoise noisy.png -o clean.png\n"
     "  vorel denoise dump_4000_3000.nv21 -o out.png --tuning vorel_WT1200.json --sensor 120\n"
     "  vorel denoise clip.y4m -o clean.y4m --noise-index 800 --no-spatial\n"
-    "  vorel denoise noisy.png -o clean.png --compare side.png --truth clean_original.png";
+    "  vorel denoise noisy.png -o clean.png --compare side.png --truth clean_original.png\n"
+    "  vorel denoise *.jpg -o clean/\n"
+    "  vorel denoise folder -o 'clean/{name}.png' --jobs 4\n"
+    "  ffmpeg -i in.mp4 -pix_fmt yuv420p -f yuv4mpegpipe - | vorel denoise - -o clean.y4m";
 
 }  // namespace
 
@@ -28,8 +31,12 @@ Verb add_denoise_verb(CLI::App& app) {
                                                        {"info", LogLevel::kInfo},
                                                        {"debug", LogLevel::kDebug}};
   CLI::App& verb = add_verb(app, "denoise", "Remove colour noise from a picture or video", kFooter);
-  verb.add_option("INPUT", options->input, "picture or video")->required()->option_text(" ");
-  add_output(verb, options->output);
+  verb.add_option("INPUT", options->inputs,
+                  "pictures and videos, folders with such, or - for standard input")
+      ->required()
+      ->option_text(" ");
+  add_output(verb, options->output,
+             "file, folder, name with {name} in it, or - for standard output");
   add_noise_index(verb, options->noise_index);
   add_tuning(verb, options->tuning);
   verb.add_flag("--no-spatial", options->tuning.no_spatial, "switch the spatial path off");
@@ -58,12 +65,14 @@ Verb add_denoise_verb(CLI::App& app) {
           "which lines of the library to show (warning is the default)")
       ->option_text("error|warning|info|debug")
       ->check(CLI::IsMember({"error", "warning", "info", "debug"}));
+  verb.add_option("-j,--jobs", options->jobs,
+                  "pictures at a time (default: as many as there are processors)")
+      ->option_text("N")
+      ->check(whole_number(1, kMaxInt));
+  verb.add_flag("--json", options->json, "print the summary for programs");
   verb.add_flag("-q,--quiet", options->quiet, "print no summary");
   add_force(verb, options->force);
-  return {&verb, [options] {
-            run_denoise(*options);
-            return kDone;
-          }};
+  return {&verb, [options] { return run_denoise(*options); }};
 }
 
 }  // namespace tool

@@ -106,8 +106,8 @@ void add_tuning(CLI::App& verb, TuningRequest& request) {
       ->option_text("FILE|DIR|none");
 }
 
-void add_output(CLI::App& verb, std::string& output) {
-  verb.add_option("-o,--output", output, "file to write")->required()->option_text("OUTPUT");
+void add_output(CLI::App& verb, std::string& output, const char* description) {
+  verb.add_option("-o,--output", output, description)->required()->option_text("OUTPUT");
 }
 
 void add_quality(CLI::App& verb, std::optional<int>& quality) {

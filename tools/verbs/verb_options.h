@@ -36,7 +36,7 @@ void add_noise_index(CLI::App& verb, NoiseIndexRequest& request);
 void add_tuning(CLI::App& verb, TuningRequest& request);
 
 // Options that several verbs have.
-void add_output(CLI::App& verb, std::string& output);
+void add_output(CLI::App& verb, std::string& output, const char* description = "file to write");
 void add_quality(CLI::App& verb, std::optional<int>& quality);
 void add_force(CLI::App& verb, bool& force);
 

@@ -72,9 +72,9 @@ class Denoise : public testing::Test {
 
   int run() {
     try {
-      tool::run_denoise(options, {fake_open, fake_denoise, fake_info, fake_deinit});
       message.clear();
-      return tool::kDone;
+      options.inputs = {input};
+      return tool::run_denoise(options, {fake_open, fake_denoise, fake_info, fake_deinit});
     } catch (const tool::Failure& failure) {
       message = failure.what();
       return failure.status();
@@ -85,16 +85,17 @@ class Denoise : public testing::Test {
   static tool::Picture read(const std::string& path) { return tool::read_picture(path, {}); }
 
   TestDirectory directory;
+  std::string input;
   DenoiseOptions options;
   std::string message;
 };
 
 TEST_F(Denoise, FrameGoesInAndComesOutInPlaceForBothFormats) {
   const Nv21Frame original = patterned_frame(32, 6);
-  options.input = directory / "in_32x6.nv21";
+  input = directory / "in_32x6.nv21";
   options.output = directory / "out_32x6.nv21";
   options.noise_index = {Source::kNumber, 700};
-  save(options.input, original);
+  save(input, original);
   for (const bool separate : {false, true}) {
     options.separate_planes = separate;
     ASSERT_EQ(run(), tool::kDone) << message;
@@ -113,9 +114,9 @@ TEST_F(Denoise, EverySizeReachesTheLibraryAndComesBack) {
     const Nv21Frame original = patterned_frame(size.width, size.height);
     const std::string name =
         std::to_string(size.width) + "x" + std::to_string(size.height) + ".nv21";
-    options.input = directory / ("in_" + name);
+    input = directory / ("in_" + name);
     options.output = directory / ("out_" + name);
-    save(options.input, original);
+    save(input, original);
     ASSERT_EQ(run(), tool::kDone) << message;
     EXPECT_EQ(fake.width, std::max(size.width, 2)) << "the least that the library takes";
     EXPECT_EQ(fake.height, std::max(size.height, 2));
@@ -128,9 +129,9 @@ TEST_F(Denoise, EverySizeReachesTheLibraryAndComesBack) {
 }
 
 TEST_F(Denoise, EveryFrameOfAVideoIsProcessed) {
-  options.input = directory / "in.y4m";
+  input = directory / "in.y4m";
   options.output = directory / "out.y4m";
-  const auto output = tool::PictureOutput::open(options.input);
+  const auto output = tool::PictureOutput::open(input);
   tool::Picture picture{patterned_frame(16, 4), {}};
   picture.metadata.y4m_tags = "W16 H4 F24:1 C420mpeg2 XCOLORRANGE=LIMITED";
   for (int i = 0; i < 3; ++i) output->write(picture);
@@ -140,9 +141,9 @@ TEST_F(Denoise, EveryFrameOfAVideoIsProcessed) {
   EXPECT_EQ(fake.deinits, 1);
   EXPECT_THAT(read_text(options.output),
               testing::StartsWith("YUV4MPEG2 W16 H4 F24:1 C420mpeg2 XCOLORRANGE=LIMITED\n"));
-  const auto input = tool::PictureInput::open(options.output, {});
+  const auto written = tool::PictureInput::open(options.output, {});
   for (int i = 0; i < 3; ++i) {
-    const Nv21Frame frame = std::get<Nv21Frame>(input->next()->pixels);
+    const Nv21Frame frame = std::get<Nv21Frame>(written->next()->pixels);
     EXPECT_EQ(frame.data[0], patterned_frame(16, 4).data[0] + 1) << "no conversion on the way";
   }
   options.output = directory / "out.png";
@@ -152,10 +153,10 @@ TEST_F(Denoise, EveryFrameOfAVideoIsProcessed) {
 
 TEST_F(Denoise, RgbPicturesComeBackWithinTheConversion) {
   const tool::RgbImage image = gradient_picture(48, 32);
-  options.input = directory / "in.png";
+  input = directory / "in.png";
   options.output = directory / "out.png";
   options.compare = directory / "side.png";
-  save(options.input, image);
+  save(input, image);
   ASSERT_EQ(run(), tool::kDone) << message;
   const tool::RgbImage denoised = std::get<tool::RgbImage>(read(options.output).pixels);
   ASSERT_EQ(denoised.pixels.size(), image.pixels.size());
@@ -166,18 +167,18 @@ TEST_F(Denoise, RgbPicturesComeBackWithinTheConversion) {
 
 TEST_F(Denoise, SkippedPicturesAreWrittenAsTheyCame) {
   const tool::RgbImage image = gradient_picture(48, 32);
-  options.input = directory / "in.png";
+  input = directory / "in.png";
   options.output = directory / "out.png";
-  save(options.input, image);
+  save(input, image);
   fake.frame_status = VOREL_BELOW_GATE;
   ASSERT_EQ(run(), tool::kDone) << message;
   EXPECT_EQ(std::get<tool::RgbImage>(read(options.output).pixels).pixels, image.pixels);
 }
 
 TEST_F(Denoise, LibraryThatDoesNotStartOrProcessFailsTheRun) {
-  options.input = directory / "in_16x4.nv21";
+  input = directory / "in_16x4.nv21";
   options.output = directory / "out_16x4.nv21";
-  save(options.input, patterned_frame(16, 4));
+  save(input, patterned_frame(16, 4));
   fake.open_status = VOREL_NO_PROCESSOR;
   EXPECT_EQ(run(), tool::kFailed);
   EXPECT_THAT(message, HasSubstr(vorel_status_text(VOREL_NO_PROCESSOR)));
@@ -193,21 +194,21 @@ TEST_F(Denoise, LibraryThatDoesNotStartOrProcessFailsTheRun) {
 }
 
 TEST_F(Denoise, TruthMustHaveThePicturesSize) {
-  options.input = directory / "in_16x4.nv21";
+  input = directory / "in_16x4.nv21";
   options.output = directory / "out_16x4.nv21";
   options.truth = directory / "truth.png";
-  save(options.input, patterned_frame(16, 4));
+  save(input, patterned_frame(16, 4));
   save(*options.truth, gradient_picture(16, 6));
   EXPECT_EQ(run(), tool::kBadInput);
   EXPECT_THAT(message, HasSubstr("is 16 x 6, but"));
 }
 
 TEST_F(Denoise, TuningFileReachesTheLibraryAsItIs) {
-  options.input = directory / "in_16x4.nv21";
+  input = directory / "in_16x4.nv21";
   options.output = directory / "out_16x4.nv21";
   options.tuning.sensor = 120;
   options.tuning.name = directory / "my tuning.txt";
-  save(options.input, patterned_frame(16, 4));
+  save(input, patterned_frame(16, 4));
   const std::string text = R"([{"CNRTuningSetfile":{"Date":"x"},"enable":1}] rest)";
   write_text(*options.tuning.name, text);
   ASSERT_EQ(run(), tool::kDone) << message;
@@ -220,12 +221,12 @@ TEST_F(Denoise, NoiseIndexComesFromWhereItIsSaidToCome) {
   const std::vector<uint8_t> iso{'I', 'I', 42, 0,  8, 0, 0, 0,  1, 0, 0x69, 0x87, 4, 0,    1,
                                  0,   0,   0,  26, 0, 0, 0, 0,  0, 0, 0,    1,    0, 0x27, 0x88,
                                  3,   0,   1,  0,  0, 0, 0, 25, 0, 0, 0,    0,    0, 0};
-  options.input = directory / "in.jpg";
+  input = directory / "in.jpg";
   options.output = directory / "out.jpg";
   const tool::RgbImage clean = gradient_picture(320, 256);
   const auto index = [&](tool::NoiseIndexRequest request, const std::vector<uint8_t>& exif,
                          int gain) {
-    const auto output = tool::PictureOutput::open(options.input);
+    const auto output = tool::PictureOutput::open(input);
     output->write({tool::add_camera_noise(clean, {gain, 1, 0}), {exif, {}, {}}});
     output->finish();
     options.noise_index = request;
