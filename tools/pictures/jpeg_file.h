@@ -4,6 +4,7 @@
 #define VOREL_TOOLS_PICTURES_JPEG_FILE_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,9 +20,19 @@ inline constexpr int kDefaultJpegQuality = 95;
 // that names `path`; lesser damage is a warning.
 [[nodiscard]] Picture decode_jpeg(const std::string& path, std::vector<uint8_t> bytes);
 
-// `frame` must be full-range BT.601.
+// 4:2:0. `frame` must be full-range BT.601.
 [[nodiscard]] std::vector<uint8_t> encode_jpeg(const Nv21Frame& frame, int quality,
                                                const Metadata& metadata);
+
+struct JpegRewrite {
+  std::vector<uint8_t> bytes;
+  std::vector<std::string> losses;  // as those of an Origin
+};
+
+// The file with other pixels, but its own tables, sampling and markers. Blocks that did not change
+// are taken over as they are. Nothing for files whose samples are no YUV planes.
+[[nodiscard]] std::optional<JpegRewrite> rewrite_jpeg(const std::vector<uint8_t>& original,
+                                                      const Nv21Frame& frame);
 
 }  // namespace tool
 

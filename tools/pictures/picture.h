@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -98,10 +99,26 @@ struct Origin {
   std::vector<std::string> losses;
 };
 
+// A comment, or another text under a name of its own.
+struct MetadataText {
+  std::string key;  // "Comment" for those of JPEG files
+  std::string text;
+};
+
+// Pixels per metre.
+struct Density {
+  double x_per_metre;
+  double y_per_metre;
+};
+
 // What files carry besides the picture, handed on to files of a kind that can hold it.
 struct Metadata {
-  std::vector<uint8_t> exif = {};   // TIFF structure, without JPEG's "Exif" header
-  std::vector<uint8_t> icc = {};    // colour profile
+  std::vector<uint8_t> exif = {};  // TIFF structure, without JPEG's "Exif" header
+  std::vector<uint8_t> icc = {};   // colour profile
+  std::vector<uint8_t> xmp = {};
+  std::vector<uint8_t> iptc = {};  // Photoshop resources, which hold it
+  std::vector<MetadataText> texts = {};
+  std::optional<Density> density = {};
   std::string y4m_tags = {};        // stream parameters in their order, the size among them
   std::string y4m_frame_tags = {};  // of the frame, from the blank on
 };

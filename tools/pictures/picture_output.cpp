@@ -70,8 +70,17 @@ class JpegOutput : public StillOutput {
     return !quality_ && StillOutput::takes_bytes_of(origin);
   }
   std::vector<uint8_t> encode(const Picture& picture) override {
-    return encode_jpeg(as_nv21(picture, {}), quality_.value_or(kDefaultJpegQuality),
-                       picture.metadata);
+    const Nv21Frame frame = as_nv21(picture, {});
+    const bool from_jpeg = picture.origin && picture.origin->kind == FileKind::kJpeg;
+    if (from_jpeg && !quality_) {
+      if (const auto rewrite = rewrite_jpeg(picture.origin->bytes, frame)) {
+        for (const std::string& loss : rewrite->losses) warn(path() + ": " + loss);
+        return rewrite->bytes;
+      }
+      warn(path() + ": written as 4:2:0 YUV of quality " + std::to_string(kDefaultJpegQuality) +
+           ", which the input is not");
+    }
+    return encode_jpeg(frame, quality_.value_or(kDefaultJpegQuality), picture.metadata);
   }
   std::optional<int> quality_;
 };

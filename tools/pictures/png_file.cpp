@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "tools/files/failure.h"
+#include "tools/pictures/png_metadata.h"
 
 namespace tool {
 namespace {
@@ -30,6 +31,7 @@ struct PngState {
   std::vector<png_bytep> rows;
   RgbImage image{0, 0};
   Metadata metadata;
+  std::vector<PngText> texts;
   bool had_alpha = false;
   bool had_16_bits = false;
 };
@@ -61,19 +63,6 @@ void on_write(png_structp png, png_bytep data, size_t count) {
 
 void on_flush(png_structp) {}
 
-void read_metadata(PngState& state) {
-  png_charp name = nullptr;
-  png_bytep data = nullptr;
-  png_uint_32 length = 0;
-  int compression = 0;
-  if (png_get_iCCP(state.png, state.info, &name, &compression, &data, &length) != 0) {
-    state.metadata.icc.assign(data, data + length);
-  }
-  if (png_get_eXIf_1(state.png, state.info, &length, &data) != 0) {
-    state.metadata.exif.assign(data, data + length);
-  }
-}
-
 // Everything comes out as 8-bit RGB.
 void request_rgb(PngState& state) {
   const int colour = png_get_color_type(state.png, state.info);
@@ -101,7 +90,6 @@ bool read_all(PngState& state) {
     state.error = size_problem(width, height);
     return false;
   }
-  read_metadata(state);
   request_rgb(state);
   state.image = RgbImage(static_cast<int>(width), static_cast<int>(height));
   if (png_get_rowbytes(state.png, state.info) != state.image.stride()) {
@@ -111,7 +99,8 @@ bool read_all(PngState& state) {
     state.rows.push_back(state.image.row(static_cast<int>(y)));
   }
   png_read_image(state.png, state.rows.data());
-  png_read_end(state.png, nullptr);
+  png_read_end(state.png, state.info);
+  state.metadata = read_png_metadata(state.png, state.info);  // texts may come last
   return true;
 }
 
@@ -125,15 +114,7 @@ bool write_all(PngState& state, const std::vector<uint8_t>& samples, Size size, 
   png_set_IHDR(state.png, state.info, static_cast<png_uint_32>(size.width),
                static_cast<png_uint_32>(size.height), 8, colour, PNG_INTERLACE_NONE,
                PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-  if (!metadata.icc.empty()) {
-    png_set_iCCP(state.png, state.info, "profile", PNG_COMPRESSION_TYPE_DEFAULT,
-                 metadata.icc.data(), static_cast<png_uint_32>(metadata.icc.size()));
-  }
-  if (!metadata.exif.empty()) {
-    // libpng keeps its own copy but asks for a pointer to non-const.
-    png_set_eXIf_1(state.png, state.info, static_cast<png_uint_32>(metadata.exif.size()),
-                   const_cast<png_bytep>(metadata.exif.data()));
-  }
+  set_png_metadata(state.png, state.info, metadata, state.texts);
   png_write_info(state.png, state.info);
   const size_t stride = samples.size() / static_cast<size_t>(size.height);
   for (int y = 0; y < size.height; ++y) {
@@ -146,6 +127,7 @@ bool write_all(PngState& state, const std::vector<uint8_t>& samples, Size size, 
 std::vector<uint8_t> encode(const std::vector<uint8_t>& samples, Size size, int colour,
                             const Metadata& metadata) {
   PngState state;
+  state.texts = png_texts(metadata);
   state.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &state, on_error, on_warning);
   if (state.png != nullptr) state.info = png_create_info_struct(state.png);
   const bool written = state.info != nullptr && write_all(state, samples, size, colour, metadata);
