@@ -27,4 +27,6 @@ install(FILES ${CMAKE_BINARY_DIR}/vorel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/p
 if(VOREL_BUILD_TOOLS)
   install(TARGETS vorel_command RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES docs/vorel.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES tools/completion/vorel.bash RENAME vorel
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 endif()

@@ -58,8 +58,11 @@ const char kMainDescription[] =
     "vorel removes colour noise from camera pictures, and has what it takes to judge the result.";
 
 const char kMainFooter[] =
-    "Pictures: png, jpg; raw NV21 (nv21, nm21, raw, yuv; the size in the name, as in\n"
-    "frame_1920x1080.nv21, or by --size); y4m (8-bit 4:2:0, every frame).\n"
+    "Pictures: png, jpg; raw frames (nv21, nv12, i420, yv12, yuv, raw; the size in the name, as "
+    "in\n"
+    "frame_1920x1080.nv21, or by --size); y4m (8-bit 4:2:0, every frame). '-' is standard input "
+    "or\n"
+    "output.\n"
     "\n"
     "Try it:\n"
     "  vorel noise meadow.jpg -o noisy.png --gain 16\n"

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <jansson.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -241,6 +242,23 @@ TEST_F(Command, InputIsReplacedOnlyWithForce) {
   EXPECT_EQ(run_vorel({"denoise", raw, "-o", raw, "-n", "6400", "--force"}).status, 0);
   EXPECT_NE(read_text(raw), before);
   EXPECT_EQ(read_text(raw).size(), before.size());
+}
+
+TEST_F(Command, CompletionKnowsVerbsOptionsAndTheirValues) {
+  if (command_path().empty()) GTEST_SKIP() << "the shell cannot start an emulated program";
+  const auto complete = [&](const std::string& words) {
+    write_text(directory / "script",
+               "source '" + source_path("tools/completion/vorel.bash") + "'\nCOMP_WORDS=(vorel " +
+                   words + ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_vorel '" + command_path() +
+                   "'\necho \"${COMPREPLY[*]}\" > '" + (directory / "words") + "'\n");
+    EXPECT_EQ(std::system(("bash '" + (directory / "script") + "'").c_str()), 0);
+    return read_text(directory / "words");
+  };
+  EXPECT_EQ(complete("den"), "denoise\n");
+  EXPECT_EQ(complete("denoise --no-s"), "--no-spatial\n");
+  EXPECT_EQ(complete("denoise --layout y"), "yv12\n");
+  EXPECT_EQ(complete("denoise -n e"), "exif\n");
+  EXPECT_EQ(complete("denoise pict"), "\n") << "file names are readline's";
 }
 
 TEST_F(Command, ManyPicturesGoThroughAndBadOnesDoNotStopThem) {

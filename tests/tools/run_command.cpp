@@ -80,6 +80,10 @@ CommandResult run_vorel(const std::vector<std::string>& arguments, const Command
   return result;
 }
 
+std::string command_path() {
+  return command_words({}).size() == 1 ? command_words({}).front() : "";
+}
+
 TestDirectory::TestDirectory()
     : path_(std::filesystem::temp_directory_path() / "vorel-test-XXXXXX") {
   if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("no temporary directory");

@@ -28,6 +28,9 @@ struct CommandSetup {
 // Arguments without the program's name. VOREL_FIRMWARE_DIR is removed from the environment.
 CommandResult run_vorel(const std::vector<std::string>& arguments, const CommandSetup& setup = {});
 
+// The built command; empty where an emulator has to start it.
+std::string command_path();
+
 // A directory of its own for a test; it goes with everything in it.
 class TestDirectory {
  public:

@@ -44,7 +44,7 @@ int denoise_one(const DenoiseOptions& options, const LibraryCalls& calls) {
                options.output == kStandardStream ? stderr : stdout);
   }
   if (summary.trouble.empty()) return kDone;
-  complain(summary.trouble + "; what came before it is in " + options.output);
+  complain(summary.trouble + "; what came before it is in " + summary.output);
   return kBadInput;
 }
 

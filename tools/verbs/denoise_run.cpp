@@ -43,8 +43,8 @@ class DenoiseRun {
     if (!layout && output == kStandardStream) layout = input_->layout();
     output_ = PictureOutput::open(output, {options_.quality, layout, input_->kind()});
     if (options_.compare) compare_ = PictureOutput::open(*options_.compare);
-    summary_.input = input;
-    summary_.output = output;
+    summary_.input = input == kStandardStream ? "standard input" : input;
+    summary_.output = output == kStandardStream ? "standard output" : output;
   }
 
   DenoiseSummary run() {

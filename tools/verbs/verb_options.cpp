@@ -118,8 +118,10 @@ void add_quality(CLI::App& verb, std::optional<int>& quality) {
 }
 
 void add_force(CLI::App& verb, bool& force) {
-  verb.add_flag("--force", force,
-                "let the output replace an input; it is replaced as a whole, at the end");
+  verb.add_flag(
+      "--force", force,
+      "let the output replace an input, as a whole and at the end; of several pictures also "
+      "results that exist");
 }
 
 void add_read_options(CLI::App& app, ReadOptions& read) {
