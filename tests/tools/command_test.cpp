@@ -337,6 +337,14 @@ TEST_F(Command, GoodFramesOfACutVideoAreKept) {
   EXPECT_GT(kept.size(), whole.size() / 2);
 }
 
+TEST_F(Command, StandardOutputHoldsNothingButThePicture) {
+  ASSERT_EQ(run_vorel({"noise", picture, "-o", out}).status, 0);
+  const CommandResult noise = run_vorel({"noise", picture, "-o", "-"});
+  EXPECT_EQ(noise.out, read_text(out));
+  EXPECT_THAT(noise.err, HasSubstr("gain"));
+  expect_refused({"compare", picture, picture, "-o", "-"}, 1, "figures go to standard output");
+}
+
 TEST_F(Command, CompareSpeaksToPeopleAndPrograms) {
   ASSERT_EQ(run_vorel({"noise", picture, "-o", out, "-g", "4"}).status, 0);
   const CommandResult text = run_vorel({"compare", out, picture, "--truth", picture});

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "tools/files/failure.h"
+#include "tools/files/input_file.h"
 #include "tools/measure/distance_table.h"
 #include "tools/pictures/colour.h"
 
@@ -29,6 +30,7 @@ std::vector<Decoded> next_frames(std::vector<Source>& sources, Colour colour) {
       throw input_error(source.path, "has not as many frames as " + sources.front().path);
     }
     if (!picture) continue;
+    warn_of_losses(source.path, *picture);
     const Size size = picture->size();
     if (!frames.empty() && !(size == Size{frames[0].frame.width, frames[0].frame.height})) {
       throw input_error(source.path,
@@ -66,6 +68,9 @@ void write_side_by_side(const CompareOptions& options, const std::vector<Decoded
 void run_compare(const CompareOptions& options) {
   if (options.pictures.size() + (options.truth ? 1 : 0) < 2) {
     throw usage_error("compare needs two pictures, or one and --truth");
+  }
+  if (options.output == kStandardStream) {
+    throw usage_error("the figures go to standard output; give the picture a file");
   }
   if (options.output) {
     std::vector<std::string> inputs = options.pictures;

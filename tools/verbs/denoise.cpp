@@ -40,8 +40,9 @@ int denoise_one(const DenoiseOptions& options, const LibraryCalls& calls) {
   const DenoiseSummary summary = denoise_file(options, input, options.output, tuning, calls);
   if (trace) trace->finish();
   if (!options.quiet) {
-    std::fputs((options.json ? summary_json(summary) : summary_text(summary)).c_str(),
-               options.output == kStandardStream ? stderr : stdout);
+    std::fputs(
+        (options.json ? summary_json(summary) : summary_text(summary)).c_str(),
+        options.output == kStandardStream || options.compare == kStandardStream ? stderr : stdout);
   }
   if (summary.trouble.empty()) return kDone;
   complain(summary.trouble + "; what came before it is in " + summary.output);

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "tools/files/failure.h"
+#include "tools/files/input_file.h"
 #include "tools/files/printable.h"
 #include "tools/pictures/colour.h"
 #include "tools/pictures/noise_model.h"
@@ -14,7 +15,9 @@ void run_noise(const NoiseOptions& options) {
   const std::unique_ptr<PictureInput> input = PictureInput::open(options.input, options.read);
   const std::unique_ptr<PictureOutput> output =
       PictureOutput::open(options.output, {options.quality, input->layout(), input->kind()});
-  const bool keeps_rgb = kind_of_name(options.output) == FileKind::kPng;
+  const bool keeps_rgb =
+      (options.output == kStandardStream ? input->kind() : kind_of_name(options.output)) ==
+      FileKind::kPng;
   NoiseSettings settings{options.gain, options.seed, 0};
   Size size{};
   while (std::optional<Picture> picture = input->next()) {
@@ -30,14 +33,15 @@ void run_noise(const NoiseOptions& options) {
   }
   if (settings.frame == 0) throw input_error(options.input, "holds no frame");
   output->finish();
-  std::printf("%s\n", printable(options.input + " -> " + options.output).c_str());
-  std::printf(
-      "  size         %s%s\n", size_text(size).c_str(),
+  FILE* out = options.output == kStandardStream ? stderr : stdout;
+  std::fprintf(out, "%s\n", printable(options.input + " -> " + options.output).c_str());
+  std::fprintf(
+      out, "  size         %s%s\n", size_text(size).c_str(),
       settings.frame > 1 ? (", " + std::to_string(settings.frame) + " frames").c_str() : "");
-  std::printf("  gain         %d, seed %llu\n", options.gain,
-              static_cast<unsigned long long>(options.seed));
-  std::printf("  noise index  %d (100 x gain; for vorel denoise --noise-index)\n",
-              kNoiseIndexPerGain * options.gain);
+  std::fprintf(out, "  gain         %d, seed %llu\n", options.gain,
+               static_cast<unsigned long long>(options.seed));
+  std::fprintf(out, "  noise index  %d (100 x gain; for vorel denoise --noise-index)\n",
+               kNoiseIndexPerGain * options.gain);
 }
 
 }  // namespace tool
