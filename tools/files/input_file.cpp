@@ -19,7 +19,8 @@ FILE* open_input(const std::string& path) {
   if (isatty(STDIN_FILENO) != 0) {
     throw usage_error("standard input is a terminal; send a picture or a video through a pipe");
   }
-  return fdopen(dup(STDIN_FILENO), "rb");
+  const int copy = dup(STDIN_FILENO);
+  return copy < 0 ? nullptr : fdopen(copy, "rb");
 }
 
 }  // namespace
