@@ -22,6 +22,8 @@ bool get_tuning_parameter(vorel* handle, const vorel_options& options) {
         {handle->sensor_name, options.tuning_path, options.tuning_text, options.tuning_text_bytes},
         tuning, handle->tuning_version);
   }
+  if (options.disable_spatial != 0) tuning->enable = 0;
+  if (options.disable_wavelet != 0) tuning->mfd_uv_tuning.enable = 0;
   build_stored_weights(&tuning->bilateralfiltering_tuning);
   if (handle->debug_mode == kDebugTuning) log_tuning(tuning);
   return handle->tuning_loaded || !named;

@@ -132,6 +132,8 @@ typedef struct vorel_options {
   const char* tuning_path;  /* a tuning file of any name instead of the sensor's, or null (null) */
   const char* tuning_text;  /* a tuning file's text instead of a file, or null (null) */
   size_t tuning_text_bytes; /* of tuning_text, without a terminator */
+  int32_t disable_spatial;  /* not 0: the spatial path stays off, whatever the tuning says (0) */
+  int32_t disable_wavelet;  /* the same for the wavelet path (0) */
 } vorel_options;
 
 /* The values in brackets above, for frames up to `width` x `height`. */
@@ -147,6 +149,8 @@ static inline vorel_options vorel_default_options(int32_t width, int32_t height)
                            "vorel",
                            NULL,
                            NULL,
+                           0,
+                           0,
                            0};
   return options;
 }
