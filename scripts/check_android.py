@@ -13,7 +13,7 @@ import android_blueprint as blueprint
 
 SOURCES = "cmake/Sources.cmake"
 TESTS = "tests/CMakeLists.txt"
-HOST_FOLDERS = {"tools"}  # tests of what phones do not get
+HOST_FOLDERS = {"tools", "gstreamer"}  # tests of what phones do not get
 LIBRARY_FOLDERS = ("core", "threading", "tuning", "filters", "convert", "wavelet", "platform")
 
 # Functions of glibc that bionic lacks at API level 30.

@@ -12,7 +12,9 @@ build_packages=(
   clang-19 lld-19 llvm-19 cmake ninja-build make pkg-config git
   libjansson-dev android-liblog android-liblog-dev
   libcli11-dev libyuv-dev libpng-dev libjpeg-dev libexif-dev libnlopt-dev
-  libgtest-dev libgmock-dev libbenchmark-dev)
+  libgtest-dev libgmock-dev libbenchmark-dev
+  libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
+  gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good)
 
 check_packages=(
   clang-format-19 clang-tidy-19 libclang-rt-19-dev abigail-tools binutils python3-minimal python3-jsonschema

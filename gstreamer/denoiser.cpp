@@ -1,0 +1,66 @@
+#include "gstreamer/denoiser.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+#include "gstreamer/sample_tuning.h"
+
+namespace {
+
+// A tuning that sets nothing leaves every built-in value in force.
+constexpr char kNoTuning[] = "[{}]";
+
+bool has_firmware_directory() {
+  const char* directory = std::getenv("VOREL_FIRMWARE_DIR");
+  return directory != nullptr && directory[0] != '\0';
+}
+
+// The text of the chosen tuning; empty when the library finds the sensor's file itself.
+std::string tuning_text(const Settings& settings) {
+  if (settings.tuning == "none") return kNoTuning;
+  if (settings.tuning) {
+    std::ifstream file(*settings.tuning, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  return has_firmware_directory() ? "" : kSampleTuning;
+}
+
+}  // namespace
+
+std::unique_ptr<Denoiser> Denoiser::open(const Settings& settings, int width, int height,
+                                         std::string* reason) {
+  vorel_options options = vorel_default_options(width, height);
+  options.sensor_id = settings.sensor;
+  options.disable_spatial = settings.spatial ? 0 : 1;
+  options.disable_wavelet = settings.wavelet ? 0 : 1;
+  const std::string text = tuning_text(settings);
+  if (settings.tuning || !text.empty()) {
+    options.tuning_text = text.data();
+    options.tuning_text_bytes = text.size();
+  }
+  vorel_status status = VOREL_DONE;
+  vorel* handle = vorel_open(&options, &status);
+  if (handle == nullptr) {
+    *reason = vorel_status_text(status);
+    if (settings.tuning) *reason = *settings.tuning + ": " + *reason;
+    return nullptr;
+  }
+  return std::unique_ptr<Denoiser>(
+      new Denoiser(handle, tool::calibration_of(text).value_or(tool::sample_calibration())));
+}
+
+Denoiser::~Denoiser() { vorel_deinit(handle_); }
+
+vorel_status Denoiser::process(vorel_frame frame, std::optional<int32_t> noise_index,
+                               vorel_frame_info* info) {
+  if (!noise_index) {
+    noise_index =
+        tracker_.next({frame.luma, static_cast<size_t>(frame.luma_stride), frame.chroma,
+                       static_cast<size_t>(frame.chroma_stride), frame.width, frame.height});
+  }
+  frame.noise_index = noise_index.value_or(0);
+  info->size = sizeof(*info);
+  return vorel_denoise_frame(handle_, &frame, info);
+}

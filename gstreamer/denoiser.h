@@ -1,0 +1,40 @@
+// The library as the element uses it: a handle for frames of one size.
+#ifndef VOREL_GSTREAMER_DENOISER_H_
+#define VOREL_GSTREAMER_DENOISER_H_
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "gstreamer/settings.h"
+#include "tools/measure/noise_index.h"
+#include "vorel/frame.h"
+
+class Denoiser {
+ public:
+  // Null when the library refuses; `reason` then says why.
+  static std::unique_ptr<Denoiser> open(const Settings& settings, int width, int height,
+                                        std::string* reason);
+  ~Denoiser();
+  Denoiser(const Denoiser&) = delete;
+  Denoiser& operator=(const Denoiser&) = delete;
+
+  // In place. Without a noise index it is estimated; a frame whose noise cannot be seen is left as
+  // it is.
+  vorel_status process(vorel_frame frame, std::optional<int32_t> noise_index,
+                       vorel_frame_info* info);
+
+  // The next frame is of another scene.
+  void forget_estimate() { tracker_ = tool::NoiseIndexTracker(calibration_); }
+
+ private:
+  Denoiser(vorel* handle, tool::NoiseCalibration calibration)
+      : handle_(handle), calibration_(std::move(calibration)), tracker_(calibration_) {}
+
+  vorel* handle_;
+  tool::NoiseCalibration calibration_;
+  tool::NoiseIndexTracker tracker_;
+};
+
+#endif  // VOREL_GSTREAMER_DENOISER_H_
