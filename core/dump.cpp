@@ -26,11 +26,10 @@ void* join_planes(const void* plane_1, const void* plane_2, size_t width, size_t
 
 }  // namespace
 
-bool dump_frame(const vorel* handle, frame_dump which, uint32_t format, const void* plane_1,
-                const void* plane_2, int32_t width, int32_t height, int noiseIndex) {
+bool dump_frame(const vorel* handle, frame_dump which, const frame_request& frame) {
   const char* direction = which == frame_dump::kInput ? "input" : "output";
   int type = VOREL_IMAGE_NV21;
-  switch (format) {
+  switch (frame.format) {
     case VOREL_FMT_YUYV:
     case VOREL_FMT_YUY2:
       VOREL_LOGI("Dump %s image to file(YUYV)", direction);
@@ -46,21 +45,22 @@ bool dump_frame(const vorel* handle, frame_dump which, uint32_t format, const vo
       VOREL_LOGE("Image dumper doesn't support this input format");
       return false;
   }
-  const auto columns = static_cast<unsigned>(width);
-  const auto rows = static_cast<unsigned>(height);
+  const auto columns = static_cast<unsigned>(frame.width);
+  const auto rows = static_cast<unsigned>(frame.height);
+  const void* block = frame.plane_1;
   void* joined = nullptr;
-  if (type == VOREL_IMAGE_NV21 && !is_one_block(plane_1, plane_2, columns, rows)) {
-    joined = join_planes(plane_1, plane_2, columns, rows);
+  if (type == VOREL_IMAGE_NV21 && !is_one_block(block, frame.plane_2, columns, rows)) {
+    joined = join_planes(block, frame.plane_2, columns, rows);
     if (joined == nullptr) {
       VOREL_LOGE("Failed to dump %s image: no memory", direction);
       return true;
     }
-    plane_1 = joined;
+    block = joined;
   }
   char suffix[kTextSize];
-  format_text(suffix, "_%d_%d", handle->sensorId, noiseIndex);
+  format_text(suffix, "_%d_%d", handle->sensorId, frame.noise_index);
   dumpImage(type, handle->dump_path, which == frame_dump::kInput ? "input_" : "output_", suffix,
-            plane_1, nullptr, columns, rows, 1, -1, -1, -1, -1);
+            block, nullptr, columns, rows, 1, -1, -1, -1, -1);
   std::free(joined);
   return true;
 }

@@ -120,10 +120,7 @@ vorel_status process_planes(vorel* handle, int32_t slot, const dense_planes& pla
                             vorel_frame_info* info) {
   const frame_request request{kCaller,       planes.luma,    planes.chroma,    planes.width,
                               planes.height, VOREL_FMT_NM21, info->noise_index};
-  const auto dump = [&](frame_dump which) {
-    dump_frame(handle, which, request.format, planes.luma, planes.chroma, planes.width,
-               planes.height, info->noise_index);
-  };
+  const auto dump = [&](frame_dump which) { dump_frame(handle, which, request); };
   const FrameDumps dumps(handle->debug_mode, handle->dump_path);
   if (handle->debug_mode >= kDebugDumpInput) dump(frame_dump::kInput);
   // What a vorel_run has left would be forgotten, and so lost, when this frame gets its own.

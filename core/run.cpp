@@ -17,15 +17,6 @@ void* vorel_run(vorel* handle, void* in_address_1, void* in_address_2, int width
     VOREL_LOGI("vorel_run - X");
     return handle;
   }
-  const FrameDumps dumps(handle->debug_mode, handle->dump_path);
-  if (handle->debug_mode >= kDebugDumpInput) {
-    dump_frame(handle, frame_dump::kInput, format, in_address_1, in_address_2, width, height,
-               noiseIndex);
-  }
-
-  // Taken before the pool starts: a second caller must not restart a pool in use.
-  const int32_t slot = next_slot(handle);
-  pthread_mutex_lock(&handle->slot_mutex[slot]);
   const frame_request request{"vorel_run",
                               static_cast<uint8_t*>(in_address_1),
                               static_cast<uint8_t*>(in_address_2),
@@ -33,6 +24,14 @@ void* vorel_run(vorel* handle, void* in_address_1, void* in_address_2, int width
                               height,
                               format,
                               noiseIndex};
+  const FrameDumps dumps(handle->debug_mode, handle->dump_path);
+  if (handle->debug_mode >= kDebugDumpInput) {
+    dump_frame(handle, frame_dump::kInput, request);
+  }
+
+  // Taken before the pool starts: a second caller must not restart a pool in use.
+  const int32_t slot = next_slot(handle);
+  pthread_mutex_lock(&handle->slot_mutex[slot]);
   const frame_end end = run_frame(handle, slot, request);
   if (end == frame_end::kBadFormat) {
     // Kept: the slot stays taken, the pool thread unjoined.
@@ -44,8 +43,7 @@ void* vorel_run(vorel* handle, void* in_address_1, void* in_address_2, int width
   if (end == frame_end::kNoDriver) return &handle->run_thread[slot];
 
   if (handle->debug_mode >= kDebugDumpOutput) {
-    dump_frame(handle, frame_dump::kOutput, format, in_address_1, in_address_2, width, height,
-               noiseIndex);
+    dump_frame(handle, frame_dump::kOutput, request);
   }
   VOREL_LOGI("vorel_run - X");
   return &handle->run_thread[slot];

@@ -34,8 +34,17 @@ const char* image_extension(int type) {
   return std::fwrite(data, 1, bytes, file) == bytes;
 }
 
+struct image_size {
+  size_t width;
+  size_t height;
+  size_t element_bytes;
+};
+
 [[nodiscard]] bool write_whole(FILE* file, int type, const void* buf1, const void* buf2,
-                               size_t width, size_t height, size_t element_size) {
+                               const image_size& size) {
+  const size_t width = size.width;
+  const size_t height = size.height;
+  const size_t element_size = size.element_bytes;
   switch (type) {
     case VOREL_IMAGE_RAW:
       return write_bytes(file, buf1, width * height * element_size);
@@ -117,7 +126,7 @@ void dumpImage(int type, const char* dir, const char* prefix, const char* suffix
         file, {buf1, static_cast<int32_t>(width), static_cast<int32_t>(height), elementSize},
         {cropX, cropY, cropWidth, cropHeight});
   } else {
-    written = write_whole(file, type, buf1, buf2, width, height, elementSize);
+    written = write_whole(file, type, buf1, buf2, {width, height, elementSize});
   }
   const int error = finish_file(file, name, written);
   const bool wanted = count_dump(folder, error);
