@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #include "threading/run_jobs.h"
 #include "wavelet/kernels/border_rows.h"
@@ -69,6 +70,14 @@ void pad_pairs(const buffer& pairs, const buffer* planes, uint32_t row_begin, ui
     jobs[i] = {&pairs, planes, first, last ? row_end : first + band};
   }
   run_jobs(pool, run_pad_pairs, jobs, kCopyAndPadJobs, "pad band");
+}
+
+void copy_inner(const _Float16* padded, const inner_area& area, _Float16* out) {
+  const _Float16* src = padded + ptrdiff_t{area.row_first} * area.stride + area.col_first;
+  for (ptrdiff_t row = 0; row < area.rows; ++row) {
+    std::memcpy(out + row * area.cols, src + row * area.stride,
+                static_cast<size_t>(area.cols) * sizeof(_Float16));
+  }
 }
 
 void mean_3x3_plane(const buffer& in, const buffer& out) {

@@ -19,6 +19,18 @@ void pad_pairs_rows(const buffer& pairs, const buffer& first, const buffer& seco
 void pad_pairs(const buffer& pairs, const buffer* planes, uint32_t row_begin, uint32_t row_end,
                ThreadPool* pool);
 
+// Part of a plane with rows of `stride` samples.
+struct inner_area {
+  int stride;
+  int col_first;
+  int row_first;
+  int cols;
+  int rows;
+};
+
+// Copies the area to a dense plane.
+void copy_inner(const _Float16* padded, const inner_area& area, _Float16* out);
+
 // Mean of the 3 x 3 neighbourhood of every sample, the edge repeated outside the plane.
 void mean_3x3_plane(const buffer& in, const buffer& out);
 

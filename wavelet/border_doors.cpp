@@ -1,6 +1,4 @@
 // The exported border functions.
-#include <cstddef>
-#include <cstring>
 
 #include "vorel/wavelet/border_handler.h"
 #include "wavelet/border.h"
@@ -22,11 +20,7 @@ void BorderHandler::runPad(buffer* first, buffer* second, unsigned rowBegin, uns
 
 void BorderHandler::stripPad(_Float16* padded, _Float16* out, int stride, int padX, int padY,
                              int width, int height) {
-  const _Float16* src = padded + ptrdiff_t{padY} * stride + padX;
-  for (ptrdiff_t row = 0; row < height; ++row) {
-    std::memcpy(out + row * width, src + row * stride,
-                static_cast<size_t>(width) * sizeof(_Float16));
-  }
+  copy_inner(padded, {stride, padX, padY, width, height}, out);
 }
 
 void boxFilter3x3(buffer* in, buffer* out, buffer*) { mean_3x3_plane(*in, *out); }

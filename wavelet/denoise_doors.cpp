@@ -1,6 +1,4 @@
 // The exported denoise operators. Nothing inside calls them.
-#include <algorithm>
-#include <cstddef>
 
 #include "platform/stage_timer.h"
 #include "vorel/wavelet/denoise.h"
@@ -73,13 +71,8 @@ void Denoise::applySaturationRegion(buffer* first, buffer* second, buffer* out, 
 }
 
 void Denoise::AddPoint5(buffer* first, buffer* second, unsigned rowBegin, unsigned rowEnd) {
-  for (buffer* plane : {first, second}) {
-    auto* samples = static_cast<_Float16*>(plane->data);
-    const uint32_t end = std::min(rowEnd, plane->height);
-    for (uint32_t row = rowBegin; row < end; ++row) {
-      add_half_row(samples + size_t{row} * plane->width, static_cast<int>(plane->width));
-    }
-  }
+  add_half_rows(*first, rowBegin, rowEnd);
+  add_half_rows(*second, rowBegin, rowEnd);
 }
 
 void* shrkFunc(void* job) {

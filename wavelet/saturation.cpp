@@ -50,6 +50,14 @@ void saturate_plane(const saturation& planes, ThreadPool* pool) {
   run_jobs(pool, run_saturation, jobs, kSaturationJobs, "saturation band");
 }
 
+void add_half_rows(const buffer& plane, uint32_t row_begin, uint32_t row_end) {
+  auto* samples = static_cast<_Float16*>(plane.data);
+  const uint32_t end = std::min(row_end, plane.height);
+  for (uint32_t row = row_begin; row < end; ++row) {
+    add_half_row(samples + size_t{row} * plane.width, static_cast<int>(plane.width));
+  }
+}
+
 void log_saturation(const saturation& planes) {
   const buffer& plane = *planes.first;
   VOREL_LOGI("outRoiX %d, outRoiY %d, outRoiW %d, outRoiH %d, outW %d, outH %d",

@@ -22,6 +22,9 @@ void saturate_rows(const saturation& planes, uint32_t row_begin, uint32_t row_en
 // Fills all rows, as jobs on the pool; on the calling thread without one.
 void saturate_plane(const saturation& planes, ThreadPool* pool);
 
+// Adds 0.5 to the samples of the rows [row_begin, row_end), as far as there are such rows.
+void add_half_rows(const buffer& plane, uint32_t row_begin, uint32_t row_end);
+
 // The lines of a frame's saturation: its sizes at every debug level.
 void log_saturation(const saturation& planes);
 

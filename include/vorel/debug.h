@@ -16,25 +16,25 @@ enum vorel_image_type {
   VOREL_IMAGE_NV21M = 3,  // ".nv21_m": width x height of buf1, then (width / 2) x height of buf2
 };
 
-/// Writes an image to the file <dir>/<prefix><width>_<height><suffix><extension>.
-/// `prefix` and `suffix` may be null. `width` and `height` are in elements of `elementSize` bytes;
-/// rows are dense. When all four crop values are >= 0, only that rectangle of `buf1` is written and
-/// the name holds its size followed by "_crop"; a rectangle that leaves the image is refused and
-/// the file stays empty. An unknown type makes an empty file without extension.
-/// `buf2` is read for VOREL_IMAGE_NV21M only. An existing file is replaced. Failures are logged;
-/// a file that cannot be written completely is removed.
+/// Frame, at the debug levels that dump: writes an image to the file
+/// <dir>/<prefix><width>_<height><suffix><extension>. `prefix` and `suffix` may be null. `width`
+/// and `height` are in elements of `elementSize` bytes; rows are dense. When all four crop values
+/// are >= 0, only that rectangle of `buf1` is written and the name holds its size followed by
+/// "_crop"; a rectangle that leaves the image is refused and the file stays empty. An unknown type
+/// makes an empty file without extension. `buf2` is read for VOREL_IMAGE_NV21M only. An existing
+/// file is replaced. Failures are logged; a file that cannot be written completely is removed.
 VOREL_EXPORT void dumpImage(int type, const char* dir, const char* prefix, const char* suffix,
                             const void* buf1, const void* buf2, unsigned width, unsigned height,
                             unsigned elementSize, int cropWidth, int cropHeight, int cropX,
                             int cropY);
 
-/// Stores the wall-clock time.
+/// Frame, at debug level 1: stores the wall-clock time.
 VOREL_EXPORT void set_current_time(timeval* t);
 
-/// Microseconds from `t` to now; negative when the clock was set back.
+/// Frame, at debug level 1: microseconds from `t` to now; negative when the clock was set back.
 VOREL_EXPORT int64_t get_elapsed_time_usec(const timeval* t);
 
-/// The same in milliseconds, truncated toward zero.
+/// Callers: the same in milliseconds, truncated toward zero.
 VOREL_EXPORT int64_t get_elapsed_time_msec(const timeval* t);
 
 #endif  // VOREL_DEBUG_H_

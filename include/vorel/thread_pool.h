@@ -25,38 +25,39 @@ class VOREL_EXPORT ThreadPool {
   ThreadPool(const ThreadPool&) = delete;
   ThreadPool& operator=(const ThreadPool&) = delete;
 
-  /// Starts `numThreads` workers (none if negative) named "vorel-<nameTag>-<index>", each bound to
-  /// the CPUs of the bit mask `affinityMask`, and returns when all of them run.
-  /// Returns 0, or -1 (logged) when memory is short or a thread cannot be created; then no worker
-  /// runs. With 0 workers queued jobs never run and `wait` blocks. A second `init` without `deinit`
-  /// lets the running jobs finish, drops the queued ones and stops the workers before it starts the
-  /// new ones.
+  /// Callers: starts `numThreads` workers (none if negative) named "vorel-<nameTag>-<index>", each
+  /// bound to the CPUs of the bit mask `affinityMask`, and returns when all of them run. Returns 0,
+  /// or -1 (logged) when memory is short or a thread cannot be created; then no worker runs. With 0
+  /// workers queued jobs never run and `wait` blocks. A second `init` without `deinit` lets the
+  /// running jobs finish, drops the queued ones and stops the workers before it starts the new
+  /// ones.
   int init(int numThreads, int affinityMask, int nameTag);
 
-  /// The same with workers named "<threadName>-<nameTag>-<index>"; at most 8 characters of
+  /// Frame: the same with workers named "<threadName>-<nameTag>-<index>"; at most 8 characters of
   /// `threadName` are kept.
   int init(int numThreads, int affinityMask, int nameTag, const char* threadName);
 
-  /// Queues `function(argument)`; its result is ignored. `argument` stays the caller's and must
-  /// live until the job has run. Returns 0, or -1 (logged) without workers or memory.
+  /// Callers: queues `function(argument)`; its result is ignored. `argument` stays the caller's and
+  /// must live until the job has run. Returns 0, or -1 (logged) without workers or memory.
   int addWork(void* (*function)(void*), void* argument);
 
-  /// Blocks until the queue is empty and no worker is busy; jobs queued by jobs count too.
+  /// Frame: blocks until the queue is empty and no worker is busy; jobs queued by jobs count too.
   /// Returns 0, or -1 (logged) before `init` and after `deinit`.
   int wait();
 
-  /// Number of jobs running at this moment, or -1 (logged) before `init` and after `deinit`.
+  /// Callers: number of jobs running at this moment, or -1 (logged) before `init` and after
+  /// `deinit`.
   int num_threads_working();
 
-  /// Lets the running jobs finish, drops the queued ones without running them, and stops the
+  /// Frame: lets the running jobs finish, drops the queued ones without running them, and stops the
   /// workers. Does nothing without workers.
   void deinit();
 
-  /// Fills one worker record of this pool and starts its thread, detached. Returns 0, or -1 when
-  /// the thread cannot be created. `init` does this for each worker.
+  /// Frame: fills one worker record of this pool and starts its thread, detached. Returns 0, or -1
+  /// when the thread cannot be created. `init` does this for each worker.
   int thread_init(thread* record, int index, ThreadPool* owner, int affinityMask, int nameTag);
 
-  /// Body of a worker; `record` is its `thread` record. Returns null.
+  /// Frame: body of a worker; `record` is its `thread` record. Returns null.
   static void* thread_do(void* record);
 
  private:
@@ -66,17 +67,17 @@ class VOREL_EXPORT ThreadPool {
   std::shared_ptr<thpool> mThreadPool;
 };
 
-/// Binds the calling thread to the CPUs of the 32-bit mask (bit 0 = CPU 0). Returns the result of
-/// the system call: 0, or -1 with errno set (some emulators refuse a 4-byte mask).
+/// Callers: binds the calling thread to the CPUs of the 32-bit mask (bit 0 = CPU 0). Returns the
+/// result of the system call: 0, or -1 with errno set (some emulators refuse a 4-byte mask).
 VOREL_EXPORT int setThreadAffinityMask(int mask);
 
-/// The same under the name that code outside the pool uses.
+/// Callers: the same under the name that code outside the pool uses.
 VOREL_EXPORT int setCurrentThreadAffinityMask(int mask);
 
-/// Logs the first 64 bits of the calling thread's CPU set.
+/// Callers: logs the first 64 bits of the calling thread's CPU set.
 VOREL_EXPORT void getThreadAffinityMask();
 
-/// The same with the caller's name `who` in the line.
+/// Callers: the same with the caller's name `who` in the line.
 VOREL_EXPORT void getThreadAffinityMask(const char* who);
 
 #endif  // VOREL_THREAD_POOL_H_

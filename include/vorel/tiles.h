@@ -18,12 +18,12 @@ struct TilePosVert {
   int32_t end;
 };
 
-/// Divides the columns [start, end) into `count` tiles of (end - start) / count columns each, the
-/// last one up to `end`. Fills tiles[0 .. count - 1] and returns `tiles`. Writes nothing when
-/// `count` is below 1. Arithmetic wraps in 32 bits.
+/// Callers: divides the columns [start, end) into `count` tiles of (end - start) / count columns
+/// each, the last one up to `end`. Fills tiles[0 .. count - 1] and returns `tiles`. Writes nothing
+/// when `count` is below 1. Arithmetic wraps in 32 bits.
 VOREL_EXPORT TilePosHorz* calcTilePosHorz(TilePosHorz* tiles, int count, int start, int end);
 
-/// The same for rows.
+/// Callers: the same for rows.
 VOREL_EXPORT TilePosVert* calcTilePosVert(TilePosVert* tiles, int count, int start, int end);
 
 #endif  // VOREL_TILES_H_

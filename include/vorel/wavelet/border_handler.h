@@ -5,8 +5,8 @@
 #include "vorel/export.h"
 #include "vorel/wavelet/buffer.h"
 
-/// Makes and removes borders; kept for callers. The border repeats the nearest inner sample. No
-/// state: any number of threads may use the one object on disjoint rows.
+/// Callers, every member: makes and removes borders. The border repeats the nearest inner sample.
+/// No state: any number of threads may use the one object on disjoint rows.
 class VOREL_EXPORT BorderHandler {
  public:
   static BorderHandler* getInstance();
@@ -27,8 +27,8 @@ class VOREL_EXPORT BorderHandler {
                 int height);
 };
 
-/// Mean of the 3 x 3 neighbourhood of every sample of `in`, with the edge repeated outside the
-/// plane: the nine samples are added in row order from 0 and the sum is multiplied by 1/9, each
+/// Callers: mean of the 3 x 3 neighbourhood of every sample of `in`, with the edge repeated outside
+/// the plane: the nine samples are added in row order from 0 and the sum is multiplied by 1/9, each
 /// step in half precision. `scratch` is not used and may be null. `in` and `out` have one size and
 /// must not overlap.
 VOREL_EXPORT void boxFilter3x3(buffer* in, buffer* out, buffer* scratch);

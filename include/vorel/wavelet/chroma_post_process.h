@@ -11,8 +11,8 @@
 
 struct chroma_process;  // internal
 
-/// Lives for one frame: `setup`, `chromaPostProcess`, `deallocate`. Kept for callers: frames go
-/// the same way without it.
+/// Callers, every member: lives for one frame, `setup`, `chromaPostProcess`, `deallocate`. Frames
+/// go the same way without it.
 class VOREL_EXPORT ChromaPostProcess {
  public:
   static constexpr int kSubbands = 7;
@@ -66,7 +66,7 @@ struct denoise_spatial_job {
   ThreadPool* pool;
 };
 
-/// Pool jobs. Return null.
+/// Callers: pool jobs. Return null.
 VOREL_EXPORT void* runCopyAndPadFunc(void* job);
 VOREL_EXPORT void* denoiseSpatialFunc(void* job);
 

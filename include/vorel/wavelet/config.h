@@ -30,25 +30,26 @@ enum wtSubbandRange { WT_SUBBAND_FIRST = 0, WT_SUBBAND_LAST = 1 };
 struct waveletLevelConfig;  // opaque
 struct sigmaScaleConfig;    // opaque
 
-/// The process-wide record, zero until it is set; this and the functions below are kept for
-/// callers. No lock: set it while no other thread reads it.
+/// Callers: the process-wide record, zero until it is set. No lock: set it while no other thread
+/// reads it.
 /// The transforms read their own copies.
 VOREL_EXPORT extern wavelet_config g_waveletCfg;
 
+/// Callers: sets the values of the three levels, and with them their ranges.
 VOREL_EXPORT void setWtCfg(int l0, int l1, int l2);
 
-/// Value of level 0..2; the index is not checked.
+/// Callers: value of level 0..2; the index is not checked.
 VOREL_EXPORT uint32_t getWtCfg(unsigned int level);
 
-/// First or last subband of level 0..2; the indices are not checked.
+/// Callers: first or last subband of level 0..2; the indices are not checked.
 VOREL_EXPORT uint32_t getWtRange(unsigned int level, wtSubbandRange end);
 
-/// Sets the record to its default (2, 4, 4). Both arguments are ignored.
+/// Callers: sets the record to its default (2, 4, 4). Both arguments are ignored.
 VOREL_EXPORT void initLlsMerge(unsigned long, unsigned long);
 
-/// Does nothing.
+/// Callers: does nothing.
 VOREL_EXPORT void reconfigureMerge(waveletLevelConfig*, sigmaScaleConfig*);
-/// Do nothing.
+/// Callers: do nothing.
 VOREL_EXPORT void allocate_memory();
 VOREL_EXPORT void deallocate_memory();
 

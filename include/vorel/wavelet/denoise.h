@@ -8,9 +8,9 @@
 #include "vorel/thread_pool.h"
 #include "vorel/wavelet/buffer.h"
 
-/// Arithmetic of the wavelet chroma path that is no transform; kept for callers. Every operation
-/// rounds to half precision. `A` and `B` are slope and cap of the radial noise model; A = 0
-/// switches it off.
+/// Callers, every member: arithmetic of the wavelet chroma path that is no transform. Every
+/// operation rounds to half precision. `A` and `B` are slope and cap of the radial noise model; A =
+/// 0 switches it off.
 class VOREL_EXPORT Denoise {
  public:
   Denoise();
@@ -96,7 +96,7 @@ struct saturation_job {
   uint32_t rowEnd;
 };
 
-/// Pool jobs. Return null.
+/// Callers: pool jobs. Return null.
 VOREL_EXPORT void* shrkFunc(void* job);
 VOREL_EXPORT void* applySaturationRegionFunc(void* job);
 

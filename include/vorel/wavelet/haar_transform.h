@@ -7,7 +7,7 @@
 #include "vorel/export.h"
 #include "vorel/wavelet/buffer.h"
 
-/// Splits a plane into seven subbands of its own size and rebuilds it; kept for callers. `lo`,
+/// Callers, every member: splits a plane into seven subbands of its own size and rebuilds it. `lo`,
 /// `hi`, `src` and `out` are dense planes of `width` columns x `height` rows; inputs and outputs
 /// must not overlap. A tap outside the plane adds nothing. Samples that a kernel does not write
 /// keep what they held. One object serves one thread at a time.

@@ -18,8 +18,8 @@ struct sym4_level {
   buffer intermediate;
 };
 
-/// Decimating analysis and synthesis with eight taps; kept for callers. Nothing is extended at the
-/// edges: output samples whose taps leave the plane are not written and may hold anything; give
+/// Callers, every member: decimating analysis and synthesis with eight taps. Nothing is extended at
+/// the edges: output samples whose taps leave the plane are not written and may hold anything; give
 /// planes a border. Analysis of n samples writes outputs 2 .. (n - 4) / 2 of n / 2; synthesis of n
 /// low and n high samples writes outputs 3 .. 2 n - 6. Inputs and outputs must not overlap.
 class VOREL_EXPORT Sym4Transform {
@@ -93,7 +93,7 @@ struct sym4_band_job {
   int32_t height;  // rows of the source plane; read by `fwtVertFunc` only
 };
 
-/// Pool jobs; the argument is a `sym4_band_job`. Return null.
+/// Callers: pool jobs; the argument is a `sym4_band_job`. Return null.
 VOREL_EXPORT void* fwtFunc(void* job);
 VOREL_EXPORT void* fwtVertFunc(void* job);
 
