@@ -14,7 +14,7 @@ flags='-D__ANDROID__ -D__ANDROID_API__=30 -Werror=date-time -ftrivial-auto-var-i
 flags+=' -D_FORTIFY_SOURCE=2 -fno-strict-aliasing -fstack-protector-strong -funwind-tables'
 flags+=" -isystem $stand_in -isystem /usr/include/android"
 mkdir -p "$build"
-clang-19 --target=aarch64-linux-gnu -fuse-ld=lld -shared -nostdlib "$stand_in/libcutils.c" \
+clang-19 --target=aarch64-linux-gnu -fuse-ld=lld -fPIC -shared -nostdlib "$stand_in/libcutils.c" \
   -o "$build/libcutils.so"
 if ! {
   PKG_CONFIG_LIBDIR=/nowhere cmake --preset aarch64 -B "$build" -DANDROID=ON \

@@ -28,8 +28,8 @@ plane_gains make_plane_gains(const _Float16* thresholds) {
 }
 
 // One plane's walks.
-struct PlaneWalks {
-  PlaneWalks(const plane_rows& store, const plane_gains& plane_gains, PassTimes* pass_times)
+struct plane_walks {
+  plane_walks(const plane_rows& store, const plane_gains& plane_gains, PassTimes* pass_times)
       : rows(store),
         gains(plane_gains),
         forward(store.forward, pass_times),
@@ -69,7 +69,7 @@ class BandWalk {
     while (!inverse.done() && inverse.next_pair() <= end / 2) {
       const int pair = inverse.next_pair();
       while (!inverse.ready()) make_low_row();
-      for (PlaneWalks& plane : planes_) plane.inverse.make_pair();
+      for (plane_walks& plane : planes_) plane.inverse.make_pair();
       for (int row = 2 * pair - 1; row <= 2 * pair; ++row) {
         if (row >= first && row < end) saturate(row);
       }
@@ -85,7 +85,7 @@ class BandWalk {
                         std::min(sym4_synthesis_end(sizes_.half_columns), end_column / 2 + 1)};
     detail_rows_ = {row_pairs.first - 2, row_pairs.end + 2};
     detail_columns_ = {pairs.first - 2, pairs.end + 2};
-    for (PlaneWalks& plane : planes_) {
+    for (plane_walks& plane : planes_) {
       plane.inverse.start(row_pairs.first, pairs);
       low_row_ = plane.inverse.next_row();
       const int haar_row = std::max(0, low_row_ - kHaarReach);
@@ -103,14 +103,14 @@ class BandWalk {
     while (!planes_[0].haar.ready(row)) {
       const int next = planes_[0].haar.next_row();
       if (next < second_row_ || planes_[0].forward.done()) {
-        for (PlaneWalks& plane : planes_) {
+        for (plane_walks& plane : planes_) {
           plane.haar.push(plane.rows.forward.bands[0].row(next), &noise2_);
         }
       } else {
         advance_forward();
       }
     }
-    for (PlaneWalks& plane : planes_) {
+    for (plane_walks& plane : planes_) {
       _Float16* low = plane.rows.low_row.row(0);
       plane.haar.make(row, low, &noise2_);
       plane.inverse.join(low);
@@ -120,7 +120,7 @@ class BandWalk {
   // One row of the first level further, shrinking the details that are complete.
   void advance_forward() {
     const int row1 = planes_[0].forward.first_level_end();
-    for (PlaneWalks& plane : planes_) plane.forward.advance();
+    for (plane_walks& plane : planes_) plane.forward.advance();
     if (row1 >= detail_rows_.first && row1 < detail_rows_.end) {
       shrink(span{4, 7}, row1, detail_columns_, noise1_.row(row1));
     }
@@ -131,7 +131,7 @@ class BandWalk {
   }
 
   void shrink(span bands, int row, span columns, const _Float16* multipliers) {
-    for (PlaneWalks& plane : planes_) {
+    for (plane_walks& plane : planes_) {
       plane.times->run(kShrinkDetails, [&] {
         for (int band = bands.first; band < bands.end; ++band) {
           shrink_row(plane.gains.details[band], multipliers + columns.first,
@@ -158,7 +158,7 @@ class BandWalk {
   const subband_sizes sizes_;
   NoiseRows noise1_;
   NoiseRows noise2_;
-  PlaneWalks planes_[kChromaPlanes];
+  plane_walks planes_[kChromaPlanes];
   span detail_columns_{};
   span detail_rows_{};  // that are needed
   int low_row_ = 0;     // the low band's first row that is needed

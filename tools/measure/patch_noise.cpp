@@ -15,6 +15,7 @@ using Complex = std::complex<double>;
 // exp(-2 pi i k n / size) for n = 0, 1, …
 std::vector<Complex> wave(int k, int size) {
   std::vector<Complex> values;
+  values.reserve(static_cast<size_t>(size));
   for (int n = 0; n < size; ++n) {
     values.push_back(std::polar(1.0, -2 * std::numbers::pi * k * n / size));
   }
