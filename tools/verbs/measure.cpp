@@ -13,6 +13,7 @@
 #include "tools/measure/patch_noise.h"
 #include "tools/pictures/colour.h"
 #include "tools/pictures/exif_iso.h"
+#include "tools/tuning/json.h"
 #include "tools/verbs/noise_index_choice.h"
 
 namespace tool {
@@ -142,7 +143,9 @@ json_t* picture_json(const std::string& path, const Measured& measured) {
 
 void run_measure(const MeasureOptions& options) {
   const NoiseCalibration calibration = calibration_for(choose_tuning(options.tuning).text);
+  const Json root(json_object());
   json_t* pictures = json_array();
+  json_object_set_new(root.get(), "pictures", pictures);
   for (const std::string& path : options.inputs) {
     const Measured measured = measure(path, options, calibration);
     if (options.json) {
@@ -152,12 +155,8 @@ void run_measure(const MeasureOptions& options) {
     }
   }
   if (options.json) {
-    json_t* root = json_pack("{s:o}", "pictures", pictures);
-    json_dumpf(root, stdout, JSON_INDENT(2) | JSON_REAL_PRECISION(6));
+    json_dumpf(root.get(), stdout, JSON_INDENT(2) | JSON_REAL_PRECISION(6));
     std::fputs("\n", stdout);
-    json_decref(root);
-  } else {
-    json_decref(pictures);
   }
 }
 
