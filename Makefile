@@ -1,5 +1,5 @@
 # The door. Everything is built under build/ by the CMake presets; results go to out/.
-.PHONY: help demo test bench bench-pair check test-arm format install
+.PHONY: help demo test bench bench-pair check harden test-arm format install
 .DEFAULT_GOAL := help
 
 JOBS ?= $(shell nproc)
@@ -11,6 +11,7 @@ help:
 	@echo 'make bench     benchmarks as a table; BENCH_ARGS=--benchmark_filter=... chooses'
 	@echo 'make bench-pair OLD=COMMIT   frames of this tree and of an older one, in turn'
 	@echo 'make check     every check (scripts/check.sh runs single ones)'
+	@echo 'make harden    what docs/reliability.md tells (two hours); HARDEN=short for the short form'
 	@echo 'make test-arm  build for 64-bit Arm and run the tests in emulation'
 	@echo 'make format    lay out the sources with clang-format'
 	@echo 'make install   library, headers, command and tuning files to PREFIX (/usr/local)'
@@ -31,6 +32,10 @@ bench-pair: build-host
 check:
 	scripts/setup.sh build check arm
 	scripts/check.sh all
+
+harden:
+	scripts/setup.sh build check arm
+	scripts/harden.sh
 
 test-arm:
 	scripts/setup.sh build arm

@@ -43,6 +43,7 @@ ALLOWED = {
     "tests": EVERYTHING,
     "bench": EVERYTHING,
     "fuzz": EVERYTHING,
+    "harden": EVERYTHING,
 }
 
 # What a kernel must not know although its folder could reach it.
@@ -55,13 +56,13 @@ DENIED = {
 
 # System headers behind a seam -> folders that may include them.
 SEAMS = {
-    r"android/log\.h": ["platform", "tools", "gstreamer", "tests", "bench", "fuzz"],
+    r"android/log\.h": ["platform", "tools", "gstreamer", "tests", "bench", "fuzz", "harden"],
     r"cutils/.*": ["platform"],
     r"gst/.*": ["gstreamer", "tests"],
-    r"jansson\.h": ["tuning", "core", "tools", "tests", "bench", "fuzz"],
-    r"pthread\.h": ["platform", "threading", "core", "tests", "examples"],
-    r"(thread|mutex|condition_variable|future)": ["tools", "tests", "bench", "fuzz", "examples"],
-    r"sys/(syscall|resource|prctl)\.h|sched\.h": ["platform", "tests", "tools", "bench"],
+    r"jansson\.h": ["tuning", "core", "tools", "tests", "bench", "fuzz", "harden"],
+    r"pthread\.h": ["platform", "threading", "core", "tests", "harden", "examples"],
+    r"(thread|mutex|condition_variable|future)": ["tools", "tests", "bench", "fuzz", "harden", "examples"],
+    r"sys/(syscall|resource|prctl)\.h|sched\.h": ["platform", "tests", "tools", "bench", "harden"],
 }
 
 C_HEADERS = ("export.h", "frame.h", "trace.h", "vorel.h")

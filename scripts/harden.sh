@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# Tries what a library in a camera process must stand, row by row of docs/reliability.md.
+#   scripts/harden.sh [ROW...]      runs all rows, or those named (files of harden/)
+#   scripts/harden.sh --list        the rows and what they try
+#   scripts/harden.sh --table       the table of the rows that ran last in out/harden/, as Markdown
+# HARDEN=short runs each row's short form, HARDEN=long (default) the whole. A row's output goes to
+# out/harden/ROW.log; its last line is "result: TEXT".
+set -uo pipefail
+cd "$(dirname "$0")/.." || exit
+
+# In the order of the table.
+rows=(allocations system_calls fuzzing memory_and_threads pages same_bytes soak command_faults
+  mutation static_analysis supply arm_host)
+form=${HARDEN:-long}
+
+# The row's line "# tries: TEXT".
+what() { sed -n 's/^# tries: //p' "harden/$1" | head -n 1; }
+
+list() {
+  for row in "${rows[@]}"; do
+    if [ -x "harden/$row" ]; then printf '%-20s %s\n' "$row" "$(what "$row")"; fi
+  done
+}
+
+table() {
+  printf '| row | what is tried | result | form | time | commit | date |\n'
+  printf '|:--|:--|:--|:--|--:|:--|:--|\n'
+  for row in "${rows[@]}"; do
+    [ -f "out/harden/$row.row" ] || continue
+    IFS=$'\t' read -r form_run seconds commit date state <"out/harden/$row.row"
+    result=$(sed -n 's/^result: //p' "out/harden/$row.log" | tail -n 1)
+    if [ "$state" != passed ]; then result="**$state**: $result"; fi
+    printf '| %s | %s | %s | %s | %d min %02d s | %s | %s |\n' "$row" "$(what "$row")" "$result" \
+      "$form_run" $((seconds / 60)) $((seconds % 60)) "$commit" "$date"
+  done
+}
+
+run() {
+  local row=$1 start=$SECONDS state=passed
+  echo "== $row ($form): $(what "$row")"
+  HARDEN=$form "harden/$row" </dev/null >"out/harden/$row.log" 2>&1 || state=failed
+  grep -q '^result: ' "out/harden/$row.log" || state=failed
+  printf '%s\t%s\t%s\t%s\t%s\n' "$form" $((SECONDS - start)) "$(git rev-parse --short HEAD)" \
+    "$(date +%F)" "$state" >"out/harden/$row.row"
+  if [ "$state" = failed ]; then tail -n 40 "out/harden/$row.log"; fi
+  echo "$row: $state in $((SECONDS - start)) s; $(sed -n 's/^result: //p' "out/harden/$row.log" | tail -n 1)"
+  [ "$state" = passed ]
+}
+
+case ${1:-} in
+  -h | --help) sed -n '2,8s/^# \{0,1\}//p' "$0"; exit ;;
+  --list) list; exit ;;
+  --table) table; exit ;;
+esac
+case $form in short | long) ;; *) echo "harden: HARDEN is short or long, not $form" >&2; exit 1 ;; esac
+
+if [ $# -eq 0 ]; then
+  for row in "${rows[@]}"; do if [ -x "harden/$row" ]; then set -- "$@" "$row"; fi; done
+fi
+for row in "$@"; do
+  [ -x "harden/$row" ] || { echo "harden: no row named $row" >&2; list >&2; exit 1; }
+done
+mkdir -p out/harden
+failed=()
+for row in "$@"; do run "$row" || failed+=("$row"); done
+echo
+if [ ${#failed[@]} -gt 0 ]; then echo "harden: failed: ${failed[*]}"; exit 1; fi
+echo "harden: $# rows passed"
