@@ -21,6 +21,9 @@ class LabConverter {
   LabConverter();
   [[nodiscard]] Lab operator()(const uint8_t* rgb) const;
 
+  // Sum of the colour differences of two rows of `width` pixels.
+  [[nodiscard]] double difference_sum(const uint8_t* first, const uint8_t* second, int width) const;
+
  private:
   std::array<double, 256> light_;
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <thread>
 #include <vector>
@@ -59,16 +58,6 @@ double pair_sum(const uint8_t* bytes, size_t pairs) {
   return total;
 }
 
-double row_sum(const LabConverter& to_lab, const uint8_t* a, const uint8_t* b, int width) {
-  double sum = 0.0;
-  for (size_t x = 0; x < static_cast<size_t>(width); ++x) {
-    const uint8_t* pa = a + 3 * x;
-    const uint8_t* pb = b + 3 * x;
-    if (std::memcmp(pa, pb, 3) != 0) sum += ciede2000(to_lab(pa), to_lab(pb));
-  }
-  return sum;
-}
-
 }  // namespace
 
 double PlaneError::psnr() const {
@@ -82,7 +71,7 @@ double ciede2000_sum(const RgbImage& a, const RgbImage& b) {
   const int threads = static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, 16u));
   const auto work = [&](int first) {
     for (int y = first; y < a.height; y += threads) {
-      rows[static_cast<size_t>(y)] = row_sum(to_lab, a.row(y), b.row(y), a.width);
+      rows[static_cast<size_t>(y)] = to_lab.difference_sum(a.row(y), b.row(y), a.width);
     }
   };
   {

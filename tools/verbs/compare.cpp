@@ -6,6 +6,7 @@
 #include "tools/files/input_file.h"
 #include "tools/measure/distance_table.h"
 #include "tools/pictures/colour.h"
+#include "tools/tune/parallel.h"
 
 namespace tool {
 namespace {
@@ -22,22 +23,27 @@ struct Decoded {
 
 // The next frame of every file; an empty list when all end at once.
 std::vector<Decoded> next_frames(std::vector<Source>& sources, Colour colour) {
+  std::vector<std::optional<Decoded>> next(sources.size());
+  for_each_in_parallel(sources.size(), [&](size_t i) {
+    const std::optional<Picture> picture = sources[i].input->next();
+    if (!picture) return;
+    warn_of_losses(sources[i].path, *picture);
+    next[i] = {as_nv21(*picture, colour), as_rgb(*picture)};
+  });
   std::vector<Decoded> frames;
-  for (const Source& source : sources) {
-    const std::optional<Picture> picture = source.input->next();
-    const bool is_first = &source == &sources.front();
-    if (!is_first && picture.has_value() == frames.empty()) {
-      throw input_error(source.path, "has not as many frames as " + sources.front().path);
+  for (size_t i = 0; i < sources.size(); ++i) {
+    const std::string& path = sources[i].path;
+    if (next[i].has_value() != next[0].has_value()) {
+      throw input_error(path, "has not as many frames as " + sources.front().path);
     }
-    if (!picture) continue;
-    warn_of_losses(source.path, *picture);
-    const Size size = picture->size();
-    if (!frames.empty() && !(size == Size{frames[0].frame.width, frames[0].frame.height})) {
-      throw input_error(source.path,
-                        "is " + size_text(size) + ", but " + sources.front().path + " is " +
-                            size_text({frames[0].frame.width, frames[0].frame.height}));
+    if (!next[i]) continue;
+    const Size size{next[i]->image.width, next[i]->image.height};
+    const Size first{next[0]->image.width, next[0]->image.height};
+    if (!(size == first)) {
+      throw input_error(path, "is " + size_text(size) + ", but " + sources.front().path + " is " +
+                                  size_text(first));
     }
-    frames.push_back({as_nv21(*picture, colour), as_rgb(*picture)});
+    frames.push_back(std::move(*next[i]));
   }
   return frames;
 }

@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <numbers>
+#include <random>
 
 #include "tests/tools/test_pictures.h"
 #include "tools/measure/ciede2000.h"
 #include "tools/measure/distance_table.h"
-#include "tools/pictures/colour.h"
+#include "tools/pictures/gamma.h"
 
 namespace {
 
@@ -30,6 +32,7 @@ TEST(Ciede2000, MatchesThePublishedPairs) {
       {{50, -1.3802, -84.2814}, {50, 0, -82.7485}, 1.0000},
       {{50, 0, 0}, {50, -1, 2}, 2.3669},
       {{50, 2.4900, -0.0010}, {50, -2.4900, 0.0009}, 7.1792},
+      {{50, 2.4900, -0.0010}, {50, -2.4900, 0.0010}, 7.1792},
       {{50, 2.4900, -0.0010}, {50, -2.4900, 0.0011}, 7.2195},
       {{50, -0.0010, 2.4900}, {50, 0.0009, -2.4900}, 4.8045},
       {{50, -0.0010, 2.4900}, {50, 0.0011, -2.4900}, 4.7461},
@@ -63,6 +66,77 @@ TEST(Ciede2000, LabOfKnownColours) {
   expect({255, 0, 0}, {53.24, 80.09, 67.20});
   expect({0, 0, 255}, {32.30, 79.19, -107.86});
   expect({119, 119, 119}, {50.03, 0, 0});
+}
+
+// The definition, hue by hue in degrees.
+double textbook_difference(const Lab& first, const Lab& second) {
+  constexpr double kDegree = std::numbers::pi / 180;
+  const auto weight = [](double c) { return std::sqrt(1 / (1 + std::pow(25 / c, 7))); };
+  const double mean_c = (std::hypot(first.a, first.b) + std::hypot(second.a, second.b)) / 2;
+  const double stretch = 1.5 - 0.5 * weight(mean_c);
+  const double c1 = std::hypot(stretch * first.a, first.b);
+  const double c2 = std::hypot(stretch * second.a, second.b);
+  const auto hue = [&](const Lab& lab) {
+    const double angle = std::atan2(lab.b, stretch * lab.a) / kDegree;
+    return angle < 0 ? angle + 360 : angle;
+  };
+  const double h1 = hue(first);
+  const double h2 = hue(second);
+  const double apart = h2 - h1;
+  const double turn = apart > 180 ? apart - 360 : apart < -180 ? apart + 360 : apart;
+  const double h = h1 + turn / 2 + (h1 + turn / 2 < 0 ? 360 : h1 + turn / 2 >= 360 ? -360 : 0);
+  const auto cosine = [&](double times, double shift) {
+    return std::cos((times * h + shift) * kDegree);
+  };
+  const double t =
+      1 - 0.17 * cosine(1, -30) + 0.24 * cosine(2, 0) + 0.32 * cosine(3, 6) - 0.20 * cosine(4, -63);
+  const double c = (c1 + c2) / 2;
+  const double l50 = std::pow((first.l + second.l) / 2 - 50, 2);
+  const double l_term = (second.l - first.l) / (1 + 0.015 * l50 / std::sqrt(20 + l50));
+  const double c_term = (c2 - c1) / (1 + 0.045 * c);
+  const double h_term = 2 * std::sqrt(c1 * c2) * std::sin(turn / 2 * kDegree) / (1 + 0.015 * c * t);
+  const double rotation =
+      -2 * weight(c) * std::sin(60 * std::exp(-std::pow((h - 275) / 25, 2)) * kDegree);
+  return std::sqrt(l_term * l_term + c_term * c_term + h_term * h_term +
+                   rotation * c_term * h_term);
+}
+
+TEST(Ciede2000, RowsMatchTheTextbook) {
+  const tool::LabConverter to_lab;
+  const auto curve = [](double t) {
+    return t > 216.0 / 24389 ? std::cbrt(t) : t * 841 / 108 + 4.0 / 29;
+  };
+  const auto textbook_lab = [&](const uint8_t* rgb) {
+    const double r = tool::decode_srgb(rgb[0] / 255.0);
+    const double g = tool::decode_srgb(rgb[1] / 255.0);
+    const double b = tool::decode_srgb(rgb[2] / 255.0);
+    const double x = curve((0.4124564 * r + 0.3575761 * g + 0.1804375 * b) / 0.95047);
+    const double y = curve(0.2126729 * r + 0.7151522 * g + 0.0721750 * b);
+    const double z = curve((0.0193339 * r + 0.1191920 * g + 0.9503041 * b) / 1.08883);
+    return Lab{116 * y - 16, 500 * (x - y), 200 * (y - z)};
+  };
+  std::mt19937 random(1);
+  for (const int width : {1, 2, 127, 128, 129, 3000}) {
+    RgbImage a(width, 1);
+    for (uint8_t& byte : a.pixels) byte = static_cast<uint8_t>(random());
+    RgbImage b = a;
+    // Every third pixel is equal, every third near, every third any other.
+    for (size_t i = 0; i < b.pixels.size(); ++i) {
+      const auto kind = i / 3 % 3;
+      if (kind == 1) b.pixels[i] = static_cast<uint8_t>(b.pixels[i] ^ (random() & 7));
+      if (kind == 2) b.pixels[i] = static_cast<uint8_t>(random());
+    }
+    double sum = 0;
+    for (size_t i = 0; i < a.pixels.size(); i += 3) {
+      const Lab first = textbook_lab(&a.pixels[i]);
+      const Lab second = textbook_lab(&b.pixels[i]);
+      const double difference = tool::ciede2000(to_lab(&a.pixels[i]), to_lab(&b.pixels[i]));
+      EXPECT_NEAR(difference, textbook_difference(first, second), 1e-7)
+          << first.a << " " << first.b;
+      sum += difference;
+    }
+    EXPECT_EQ(to_lab.difference_sum(a.row(0), b.row(0), width), sum) << width;
+  }
 }
 
 TEST(Metrics, PsnrOfPlanesWorkedOutByHand) {
