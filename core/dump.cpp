@@ -1,9 +1,11 @@
 #include "core/dump.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 
 #include "core/format_text.h"
+#include "platform/frame_dumps.h"
 #include "platform/log.h"
 #include "vorel/debug.h"
 
@@ -53,6 +55,7 @@ bool dump_frame(const vorel* handle, frame_dump which, const frame_request& fram
     joined = join_planes(block, frame.plane_2, columns, rows);
     if (joined == nullptr) {
       VOREL_LOGE("Failed to dump %s image: no memory", direction);
+      static_cast<void>(count_dump(handle->dump_path, ENOMEM));
       return true;
     }
     block = joined;

@@ -30,7 +30,7 @@ int ChromaPostProcess::chromaPostProcess(buffer* in, buffer* out) {
 }
 
 void ChromaPostProcess::denoiseSpatial(unsigned plane, buffer* io, ThreadPool*) {
-  denoise_chroma_plane(process_, plane, *io);
+  static_cast<void>(denoise_chroma_plane(process_, plane, *io));
 }
 
 void ChromaPostProcess::deallocate() {

@@ -79,17 +79,19 @@ struct plane_job {
   chroma_process* process;
   unsigned plane;
   const buffer* io;
+  bool done;
 };
 
 void* run_plane(void* argument) {
-  const auto* job = static_cast<const plane_job*>(argument);
-  denoise_chroma_plane(job->process, job->plane, *job->io);
+  auto* job = static_cast<plane_job*>(argument);
+  job->done = denoise_chroma_plane(job->process, job->plane, *job->io);
   return nullptr;
 }
 
-void run_whole_planes(chroma_process* process, const buffer* planes, const buffer& out) {
-  plane_job jobs[2] = {{process, 1, &planes[0]}, {process, 2, &planes[1]}};
+bool run_whole_planes(chroma_process* process, const buffer* planes, const buffer& out) {
+  plane_job jobs[2] = {{process, 1, &planes[0], false}, {process, 2, &planes[1], false}};
   run_jobs(process->pool, run_plane, jobs, 2, "denoise plane");
+  if (!jobs[0].done || !jobs[1].done) return false;
   dump_padded(*process, "dS_", planes, false);
   dump_padded(*process, "dS_", planes, true);
   const saturation step = saturation_of(*process, planes, out);
@@ -97,6 +99,7 @@ void run_whole_planes(chroma_process* process, const buffer* planes, const buffe
   log_saturation(step);
   saturate_plane(step, process->pool);
   timer.log("Denoise::applySaturation");
+  return true;
 }
 
 // Bands of rows, each through all steps at once.
@@ -179,11 +182,8 @@ int run_chroma(chroma_process* process, const buffer* in, const buffer* out) {
   if (taken) {
     fill_padded(*process, in, planes);
     dump_padded(*process, "p_", planes, false);
-    if (dumps_planes(*process)) {
-      run_whole_planes(process, planes, *out);
-    } else {
-      done = run_bands(process, planes, *out);
-    }
+    done = dumps_planes(*process) ? run_whole_planes(process, planes, *out)
+                                  : run_bands(process, planes, *out);
   }
   // Without memory the frame keeps its chroma.
   if (!done) VOREL_LOGE("ChromaPostProcess::chromaPostProcess, alloc is fail");
@@ -192,7 +192,7 @@ int run_chroma(chroma_process* process, const buffer* in, const buffer* out) {
   return 0;
 }
 
-void denoise_chroma_plane(chroma_process* process, unsigned plane, const buffer& io) {
+bool denoise_chroma_plane(chroma_process* process, unsigned plane, const buffer& io) {
   const stage_record stage = process->stage;
   const StageTimer timer(stage.debug_mode);
   const unsigned index = plane - 1;
@@ -206,18 +206,20 @@ void denoise_chroma_plane(chroma_process* process, unsigned plane, const buffer&
   const int difference = sym4_pitch_difference(run, subbands[0]);
   if (!sym4_forward_plane(run, static_cast<const _Float16*>(io.data), &times)) {
     VOREL_LOGE("ChromaPostProcess::denoiseSpatial, no planes");
-    return;
+    return false;
   }
   log_forward_times(times, true);
   for (int i = 0; i < kSubbands; ++i) {
     std::snprintf(prefix, sizeof(prefix), "fW_%d_%s", i, letter);
     dump_whole_and_cropped(stage, prefix, subbands[i], i < 4 ? 8 : 16);
   }
-  denoise_subbands(subbands, nullptr, process->thresholds[index], process->model, &times);
+  const bool shrunk =
+      denoise_subbands(subbands, nullptr, process->thresholds[index], process->model, &times);
   log_denoise_times(times);
   std::snprintf(prefix, sizeof(prefix), "dH_%s", letter);
   dump_whole_and_cropped(stage, prefix, subbands[0], 8);
-  if (!sym4_inverse_plane(run, subbands[0], static_cast<_Float16*>(io.data), &times)) return;
+  if (!sym4_inverse_plane(run, subbands[0], static_cast<_Float16*>(io.data), &times)) return false;
   log_inverse_times(times, true, difference);
   timer.log("ChromaPostProcess::denoiseSpatial");
+  return shrunk;
 }

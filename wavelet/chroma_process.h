@@ -62,8 +62,8 @@ struct chroma_process {
 int run_chroma(chroma_process* process, const buffer* in, const buffer* out);
 
 // Denoises one bordered plane, 1 or 2, in place and as a whole, with dumps between the steps. The
-// two planes may run at once.
-void denoise_chroma_plane(chroma_process* process, unsigned plane, const buffer& io);
+// two planes may run at once. Returns false (logged) when memory is short; `io` is then undefined.
+[[nodiscard]] bool denoise_chroma_plane(chroma_process* process, unsigned plane, const buffer& io);
 
 void release_chroma(chroma_process* process);
 

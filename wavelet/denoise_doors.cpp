@@ -21,7 +21,7 @@ void Denoise::denoiseChroma1And2HaarRun(buffer* subbands, buffer* scratch, _Floa
                                         _Float16 A, _Float16 B, ThreadPool*) {
   PassTimes times(debug_);
   plane_scratch area = scratch_of(scratch);
-  denoise_subbands(subbands, &area, thr, {A, B}, &times);
+  static_cast<void>(denoise_subbands(subbands, &area, thr, {A, B}, &times));
   log_denoise_times(times);
 }
 
@@ -29,7 +29,7 @@ void Denoise::haarL2Denoise(buffer* band, buffer* scratch, _Float16 thr, _Float1
                             ThreadPool*) {
   PassTimes times(debug_);
   plane_scratch area = scratch_of(scratch);
-  denoise_low_band(*band, &area, thr, {A, B}, &times);
+  static_cast<void>(denoise_low_band(*band, &area, thr, {A, B}, &times));
   log_haar_times(times);
 }
 

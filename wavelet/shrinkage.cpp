@@ -49,11 +49,11 @@ haar_rows take_haar_rows(RowArena* arena, int width) {
   return rows;
 }
 
-void denoise_low_band(const buffer& band, plane_scratch* scratch, _Float16 thr, radial_model model,
+bool denoise_low_band(const buffer& band, plane_scratch* scratch, _Float16 thr, radial_model model,
                       PassTimes* times) {
   const int width = static_cast<int>(band.width);
   const int height = static_cast<int>(band.height);
-  if (width < 1 || height < 1) return;
+  if (width < 1 || height < 1) return true;
   // Counts the memory, then cuts it up.
   const auto take_rows = [&](RowArena* arena, haar_rows* rows, row_store* noise) {
     *rows = take_haar_rows(arena, width);
@@ -66,7 +66,7 @@ void denoise_low_band(const buffer& band, plane_scratch* scratch, _Float16 thr, 
   buffer memory{};
   if (!take_plane(&memory, scratch, 1, static_cast<uint32_t>(count.samples()))) {
     VOREL_LOGE("Denoise::haarL2Denoise, alloc is fail");
-    return;
+    return false;
   }
   RowArena arena(memory.data);
   take_rows(&arena, &rows, &noise_rows);
@@ -82,14 +82,16 @@ void denoise_low_band(const buffer& band, plane_scratch* scratch, _Float16 thr, 
     walk.make(row, plane.row(row), &noise);
   }
   release_plane(&memory);
+  return true;
 }
 
-void denoise_subbands(const buffer* subbands, plane_scratch* scratch, _Float16* thr,
+bool denoise_subbands(const buffer* subbands, plane_scratch* scratch, _Float16* thr,
                       radial_model model, PassTimes* times) {
   if (thr[0] < 0) thr[0] = -thr[0];
-  denoise_low_band(subbands[0], scratch, thr[0], model, times);
+  const bool done = denoise_low_band(subbands[0], scratch, thr[0], model, times);
   times->run(kShrinkDetails, [&] {
     shrink_level(&subbands[1], &thr[1], model, kLevel2Step);
     shrink_level(&subbands[4], &thr[4], model, kLevel1Step);
   });
+  return done;
 }

@@ -28,12 +28,13 @@ void make_haar_gains(_Float16 thr, shrink_gain (&gains)[kHaarBands]);
 [[nodiscard]] haar_rows take_haar_rows(RowArena* arena, int width);
 
 // Denoises a low band in place. Memory comes from `scratch` (may be null) or the heap; when it is
-// short the band is left alone (logged).
-void denoise_low_band(const buffer& band, plane_scratch* scratch, _Float16 thr, radial_model model,
-                      PassTimes* times);
+// short the band is left alone and the result is false (logged).
+[[nodiscard]] bool denoise_low_band(const buffer& band, plane_scratch* scratch, _Float16 thr,
+                                    radial_model model, PassTimes* times);
 
-// Denoises the subbands 0..6 of a plane in place; thr[0] is replaced by its magnitude.
-void denoise_subbands(const buffer* subbands, plane_scratch* scratch, _Float16* thr,
-                      radial_model model, PassTimes* times);
+// Denoises the subbands 0..6 of a plane in place; thr[0] is replaced by its magnitude. The result
+// is the low band's.
+[[nodiscard]] bool denoise_subbands(const buffer* subbands, plane_scratch* scratch, _Float16* thr,
+                                    radial_model model, PassTimes* times);
 
 #endif  // VOREL_WAVELET_SHRINKAGE_H_

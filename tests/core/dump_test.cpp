@@ -8,6 +8,7 @@
 
 #include "platform/frame_dumps.h"
 #include "tests/core/handle_fixture.h"
+#include "tests/support/faults.h"
 
 namespace {
 
@@ -98,7 +99,7 @@ TEST_F(DumpTest, FolderIsNamedInTheTimeZoneOfNow) {
 TEST_F(DumpTest, TroubleIsToldOnceAFrame) {
   const ScopedEnv variable(kDebugVariable, "5");
   use_tuning(kBothPaths);
-  enum class Trouble { kNone, kNoFolder, kFolderGone, kNoSpace };
+  enum class Trouble { kNone, kNoFolder, kFolderGone, kNoSpace, kNoMemory };
   const struct {
     Trouble kind;
     dump_counts counts;
@@ -109,6 +110,8 @@ TEST_F(DumpTest, TroubleIsToldOnceAFrame) {
       {Trouble::kFolderGone, {0, 52, ENOENT}, "Failed to open dump file "},
       // Two frames, three planes of luma's size and four bordered ones exceed the limit.
       {Trouble::kNoSpace, {43, 9, EFBIG}, "Failed to write dump file "},
+      // For the frame's two planes as one block.
+      {Trouble::kNoMemory, {51, 1, ENOMEM}, "Failed to dump input image: no memory"},
   };
   ASSERT_NE(signal(SIGXFSZ, SIG_IGN), SIG_ERR);
   for (const auto& c : cases) {
@@ -127,7 +130,10 @@ TEST_F(DumpTest, TroubleIsToldOnceAFrame) {
     info.size = sizeof(info);
     const vorel_frame call{
         sizeof(call), frame.y.data(), frame.uv.data(), 128, 128, 128, 72, VOREL_LAYOUT_NV21, 640};
-    EXPECT_EQ(vorel_denoise_frame(handle, &call, &info), VOREL_DONE);
+    {
+      const FaultScope fault(FaultScope::Kind::kAllocation, c.kind == Trouble::kNoMemory ? 1 : 0);
+      EXPECT_EQ(vorel_denoise_frame(handle, &call, &info), VOREL_DONE);
+    }
     setrlimit(RLIMIT_FSIZE, &limit);
     EXPECT_EQ(log_.errors(), c.kind == Trouble::kNone ? 0 : 1);
     if (!c.line.empty()) EXPECT_EQ(log_.count_prefix(c.line), 1) << c.line;

@@ -6,7 +6,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <string>
+
+#include "tests/support/faults.h"
 
 namespace {
 
@@ -14,9 +15,15 @@ constexpr int64_t kStepUsec = 1234;
 
 std::atomic<const LogCapture*> g_log{nullptr};
 
-void show(const std::string& text) {
+// Nothing is allocated for it when nobody watches.
+void show(const char* what, const char* value) {
   if (g_log.load() == nullptr) return;
-  __android_log_print(ANDROID_LOG_DEBUG, "SYSTEM", "%s", text.c_str());
+  __android_log_print(ANDROID_LOG_DEBUG, "SYSTEM", "%s %s", what, value);
+}
+
+void show(const char* what, int value) {
+  if (g_log.load() == nullptr) return;
+  __android_log_print(ANDROID_LOG_DEBUG, "SYSTEM", "%s %d", what, value);
 }
 
 }  // namespace
@@ -37,6 +44,7 @@ int __real__Z19set_thread_affinityj(uint32_t mask);
 void __real__Z15set_thread_nicei(int nice_value);
 
 int __wrap_gettimeofday(timeval* time, void* zone) {
+  if (FaultScope::is_due(FaultScope::Kind::kClock)) return -1;
   const LogCapture* log = g_log.load();
   if (log == nullptr) return __real_gettimeofday(time, zone);
   const std::vector<LogLine> lines = log->lines();
@@ -49,17 +57,17 @@ int __wrap_gettimeofday(timeval* time, void* zone) {
 }
 
 void __wrap__Z15set_thread_namePKc(const char* name) {
-  show(std::string("worker name ") + name);
+  show("worker name", name);
   __real__Z15set_thread_namePKc(name);
 }
 
 int __wrap__Z19set_thread_affinityj(uint32_t mask) {
-  show("worker processors " + std::to_string(mask));
+  show("worker processors", static_cast<int>(mask));
   return __real__Z19set_thread_affinityj(mask);
 }
 
 void __wrap__Z15set_thread_nicei(int nice_value) {
-  show("driver nice " + std::to_string(nice_value));
+  show("driver nice", nice_value);
   __real__Z15set_thread_nicei(nice_value);
 }
 }
