@@ -7,7 +7,7 @@
 #include "vorel/convert.h"
 
 // Whole blocks in the top-left corner of a frame: `rows` x `cols` luma pixels.
-struct BlockArea {
+struct block_area {
   const uint8_t* in;  // 4:2:0 chroma plane, or packed 4:2:2 frame
   uint8_t* y;         // packed only: luma copy, rows of `width` bytes
   uint8_t* u;         // rows of width >> 4 samples
@@ -17,9 +17,9 @@ struct BlockArea {
   int32_t cols;
 };
 
-void sample_planar_area(const BlockArea& area);
-void sample_packed_area(const BlockArea& area);
-void copy_packed_luma(const BlockArea& area);
+void sample_planar_area(const block_area& area);
+void sample_packed_area(const block_area& area);
+void copy_packed_luma(const block_area& area);
 
 // A whole frame, partial block row at the bottom included.
 void deinterleave_planar(const deinterleave_job& frame);

@@ -32,7 +32,7 @@ void restore_packed_strip(const interleave_job& strip) {
   const bool with_luma = strip.y_low != nullptr;
   if (with_luma && strip.tuning->d_Y_upper_thresh == 0) return;
   if (strip.tuning->d_UV_thresh == 0 || strip.width < 1) return;
-  const RestorePlan plan(*strip.tuning);
+  const restore_plan plan(*strip.tuning);
   const size_t width = static_cast<size_t>(strip.width);
   uint8_t luma[kRestoreBlock];
   uint8_t pairs[kRestoreBlock];

@@ -15,7 +15,7 @@ constexpr size_t kPieceRows = 16;
 constexpr size_t kPieceCols = kUpsampleCols;
 
 // Luma samples of a strip; chroma is half of everything.
-struct Piece {
+struct strip_piece {
   size_t row;
   size_t rows;
   size_t col;
@@ -23,11 +23,11 @@ struct Piece {
 };
 
 // A filtered plane's rows at a piece: those of the plane, or made one by one from its blocks.
-struct FilteredRows {
+struct filtered_rows {
   const uint8_t* plane;
   size_t pitch;
   size_t weight_step;  // sixteenths from a row to the next
-  UpsampleSums sums;
+  upsample_sums sums;
   uint8_t samples[kUpsampleCols];
 
   const uint8_t* row(size_t index) {
@@ -38,14 +38,14 @@ struct FilteredRows {
 };
 
 // Scratch of a strip (60 KB).
-struct StripRoom {
-  FilteredRows y;
-  FilteredRows u;
-  FilteredRows v;
+struct strip_room {
+  filtered_rows y;
+  filtered_rows u;
+  filtered_rows v;
 };
 
-void widen_piece(const FilteredBlocks& blocks, const Piece& piece, StripRoom* room) {
-  const auto widen = [&](const uint8_t* plane, Upsampling factor, FilteredRows* rows) {
+void widen_piece(const filtered_blocks& blocks, const strip_piece& piece, strip_room* room) {
+  const auto widen = [&](const uint8_t* plane, Upsampling factor, filtered_rows* rows) {
     rows->plane = nullptr;
     rows->weight_step = factor == Upsampling::k16x16 ? 1 : 2;
     widen_run({plane, static_cast<size_t>(blocks.cols), static_cast<size_t>(blocks.rows),
@@ -58,7 +58,7 @@ void widen_piece(const FilteredBlocks& blocks, const Piece& piece, StripRoom* ro
   widen(blocks.v, Upsampling::k8x8, &room->v);
 }
 
-void place_piece(const interleave_job& strip, const Piece& piece, StripRoom* room) {
+void place_piece(const interleave_job& strip, const strip_piece& piece, strip_room* room) {
   const size_t width = static_cast<size_t>(strip.width);
   const size_t chroma = piece.row / 2 * (width / 2) + piece.col / 2;
   room->u.pitch = room->v.pitch = width / 2;
@@ -74,8 +74,8 @@ uint8_t* row_to_restore(const uint8_t* in, uint8_t* out, size_t at, size_t bytes
   return out + at;
 }
 
-void restore_luma(const interleave_job& strip, const Piece& piece, const RestorePlan& plan,
-                  StripRoom* room) {
+void restore_luma(const interleave_job& strip, const strip_piece& piece, const restore_plan& plan,
+                  strip_room* room) {
   for (size_t row = 0; row < piece.rows; ++row) {
     const size_t at = (piece.row + row) * static_cast<size_t>(strip.width) + piece.col;
     restore_luma_row(row_to_restore(strip.y_in, strip.y_out, at, piece.cols), room->y.row(row),
@@ -93,8 +93,8 @@ void split_to_half(const uint8_t* __restrict pairs, _Float16* __restrict u, _Flo
   }
 }
 
-void restore_chroma(const interleave_job& strip, const Piece& piece, const RestorePlan& plan,
-                    StripRoom* room) {
+void restore_chroma(const interleave_job& strip, const strip_piece& piece, const restore_plan& plan,
+                    strip_room* room) {
   uint8_t block[kPieceCols];
   for (size_t row = 0; row < piece.rows / 2; ++row) {
     const size_t chroma_row = piece.row / 2 + row;
@@ -116,22 +116,22 @@ void restore_chroma(const interleave_job& strip, const Piece& piece, const Resto
 }  // namespace
 
 void restore_planar_strip(const interleave_job& strip) {
-  RestoreStrip with_planes{strip, {}};
+  restore_strip with_planes{strip, {}};
   restore_planar_strip(with_planes);
 }
 
-void restore_planar_strip(const RestoreStrip& strip) {
+void restore_planar_strip(const restore_strip& strip) {
   const bool with_luma = strip.y_out != nullptr;
   if (with_luma && strip.tuning->d_Y_upper_thresh == 0) return;
   if (strip.tuning->d_UV_thresh == 0 || strip.width < 1 || strip.rows < 1) return;
-  const RestorePlan plan(*strip.tuning);
+  const restore_plan plan(*strip.tuning);
   const size_t rows = static_cast<size_t>(strip.rows);
   const size_t cols = static_cast<size_t>(strip.width);
-  StripRoom room;
+  strip_room room;
   for (size_t row = 0; row < rows; row += kPieceRows) {
     for (size_t col = 0; col < cols; col += kPieceCols) {
-      const Piece piece{row, std::min(rows - row, kPieceRows), col,
-                        std::min(cols - col, kPieceCols)};
+      const strip_piece piece{row, std::min(rows - row, kPieceRows), col,
+                              std::min(cols - col, kPieceCols)};
       if (strip.blocks.y != nullptr) {
         widen_piece(strip.blocks, piece, &room);
       } else {

@@ -7,7 +7,7 @@
 
 namespace {
 
-void set_divisor(MeanDivisor& by, int32_t total) {
+void set_divisor(mean_divisor& by, int32_t total) {
   const uint32_t divisor = static_cast<uint32_t>(total);
   const uint32_t scale = 128u >> std::bit_width(divisor - 1);
   const uint32_t scaled = divisor * scale;
@@ -22,7 +22,7 @@ bool is_narrow_total(int32_t total) { return total >= 1 && total <= kMaxNarrowTo
 
 // Bytes of one block: the mean of `bytes` and `filtered`.
 void mean_block(uint8_t* __restrict bytes, const uint8_t* __restrict filtered,
-                const uint8_t* __restrict weights, size_t count, const MeanDivisor& by) {
+                const uint8_t* __restrict weights, size_t count, const mean_divisor& by) {
   uint16_t sums[kRestoreBlock];
   const uint8_t total = by.total;
   const uint8_t half = by.half;
@@ -38,7 +38,7 @@ void mean_block(uint8_t* __restrict bytes, const uint8_t* __restrict filtered,
 }
 
 void restore_luma_block(uint8_t* __restrict luma, const uint8_t* __restrict low,
-                        const uint8_t* __restrict high, size_t count, const RestorePlan& plan) {
+                        const uint8_t* __restrict high, size_t count, const restore_plan& plan) {
   uint8_t rebuilt[kRestoreBlock];
   uint8_t weights[kRestoreBlock];
   const uint8_t upper = plan.luma.total;
@@ -63,7 +63,7 @@ ByteLanes stepped(ByteLanes luma, ByteLanes low, ByteLanes high, ByteTable up, B
 }
 
 void restore_luma_row_stepped(uint8_t* luma, const uint8_t* low, const uint8_t* high, size_t width,
-                              const LumaSteps& steps) {
+                              const luma_steps& steps) {
   const ByteTable up = load_table(steps.up);
   const ByteTable down = load_table(steps.down);
   size_t x = 0;
@@ -83,8 +83,8 @@ void restore_luma_row_stepped(uint8_t* luma, const uint8_t* low, const uint8_t* 
 }
 
 // What each difference below the upper threshold makes of a sample; zeros keep it.
-void set_steps(LumaSteps& steps, int32_t upper, int32_t lower) {
-  for (int32_t distance = 0; distance < LumaSteps::kSteps; ++distance) {
+void set_steps(luma_steps& steps, int32_t upper, int32_t lower) {
+  for (int32_t distance = 0; distance < luma_steps::kSteps; ++distance) {
     const bool moves = distance < upper && distance > lower;
     const uint8_t far = static_cast<uint8_t>(distance);
     // A sample and one that is `distance` above it, then below it.
@@ -101,8 +101,8 @@ PairLanes sum_of_bytes(ByteLanes bytes) {
 }
 
 // What does not change along a row of chroma.
-struct ChromaLanes {
-  explicit ChromaLanes(const RestorePlan& plan)
+struct chroma_lanes {
+  explicit chroma_lanes(const restore_plan& plan)
       : low(load_table(plan.divisors.low)),
         high(load_table(plan.divisors.high)),
         shift(plan.divisors.shift),
@@ -143,7 +143,7 @@ struct ChromaLanes {
 constexpr size_t kLanePairs = kLanes / 2;
 
 void restore_chroma_lanes(uint8_t* pairs, const uint8_t* u, const uint8_t* v,
-                          const ChromaLanes& by) {
+                          const chroma_lanes& by) {
   using NarrowLanes = uint8_t __attribute__((vector_size(kLanePairs)));
   NarrowLanes narrow_u;
   NarrowLanes narrow_v;
@@ -162,8 +162,8 @@ void restore_chroma_lanes(uint8_t* pairs, const uint8_t* u, const uint8_t* v,
 }
 
 void restore_chroma_row_narrow(uint8_t* pairs, const uint8_t* u, const uint8_t* v, size_t count,
-                               const RestorePlan& plan) {
-  const ChromaLanes by(plan);
+                               const restore_plan& plan) {
+  const chroma_lanes by(plan);
   size_t k = 0;
   for (; k + kLanePairs <= count; k += kLanePairs) {
     restore_chroma_lanes(pairs + 2 * k, u + k, v + k, by);
@@ -180,8 +180,8 @@ void restore_chroma_row_narrow(uint8_t* pairs, const uint8_t* u, const uint8_t* 
 }
 
 // False where the bounded saturation takes too many values, or such as the factors do not fit.
-bool set_divisors(SaturationDivisors& divisors, int32_t first, int32_t last) {
-  using Divisors = SaturationDivisors;
+bool set_divisors(saturation_divisors& divisors, int32_t first, int32_t last) {
+  using Divisors = saturation_divisors;
   if (first < Divisors::kLeast || last > Divisors::kMost || last - first >= Divisors::kValues) {
     return false;
   }
@@ -234,17 +234,17 @@ void restore_chroma_row_wide(uint8_t* __restrict pairs, const uint8_t* __restric
 
 }  // namespace
 
-RestorePlan::RestorePlan(const interleaving_tuning& thresholds) : tuning(thresholds) {
+restore_plan::restore_plan(const interleaving_tuning& thresholds) : tuning(thresholds) {
   // With a distance of 0 the two means agree, so a negative lower threshold acts like 0.
   luma_lower = static_cast<uint8_t>(std::clamp(thresholds.d_Y_lower_thresh, 0, 255));
   stepped_luma =
-      thresholds.d_Y_upper_thresh >= 1 && thresholds.d_Y_upper_thresh <= LumaSteps::kSteps;
+      thresholds.d_Y_upper_thresh >= 1 && thresholds.d_Y_upper_thresh <= luma_steps::kSteps;
   if (stepped_luma) set_steps(steps, thresholds.d_Y_upper_thresh, luma_lower);
   narrow_luma = is_narrow_total(thresholds.d_Y_upper_thresh);
   if (narrow_luma) set_divisor(luma, thresholds.d_Y_upper_thresh);
   const int32_t first =
       std::min(std::max(thresholds.cs_lower_thresh, 0), thresholds.cs_upper_thresh);
-  const int32_t last = std::min(std::max(thresholds.cs_lower_thresh, SaturationDivisors::kMost),
+  const int32_t last = std::min(std::max(thresholds.cs_lower_thresh, saturation_divisors::kMost),
                                 thresholds.cs_upper_thresh);
   narrow_chroma = is_narrow_total(thresholds.d_UV_thresh) && set_divisors(divisors, first, last);
   if (!narrow_chroma) return;
@@ -254,7 +254,7 @@ RestorePlan::RestorePlan(const interleaving_tuning& thresholds) : tuning(thresho
 }
 
 void restore_luma_row(uint8_t* luma, const uint8_t* low, const uint8_t* high, size_t width,
-                      const RestorePlan& plan) {
+                      const restore_plan& plan) {
   if (plan.stepped_luma) return restore_luma_row_stepped(luma, low, high, width, plan.steps);
   if (!plan.narrow_luma) return restore_luma_row_wide(luma, low, high, width, plan.tuning);
   for (size_t x = 0; x < width; x += kRestoreBlock) {
@@ -263,7 +263,7 @@ void restore_luma_row(uint8_t* luma, const uint8_t* low, const uint8_t* high, si
 }
 
 void restore_chroma_row(uint8_t* pairs, const uint8_t* u, const uint8_t* v, size_t count,
-                        const RestorePlan& plan) {
+                        const restore_plan& plan) {
   if (plan.narrow_chroma) return restore_chroma_row_narrow(pairs, u, v, count, plan);
   restore_chroma_row_wide(pairs, u, v, count, plan.tuning);
 }

@@ -11,7 +11,7 @@
 
 // How far a luma sample moves, by what the rebuilt one exceeds it (`up`) or falls short of it
 // (`down`, to be added too). From kSteps on the input stays.
-struct LumaSteps {
+struct luma_steps {
   static constexpr int32_t kSteps = 16;
   uint8_t up[kSteps];
   uint8_t down[kSteps];
@@ -20,7 +20,7 @@ struct LumaSteps {
 // Division by a pair's bounded saturation where that takes few values, first..first + 15: the upper
 // half of a product with 2^(16 + shift) / saturation, rounded up, shifted right by `shift`. Exact
 // for quotients below kMaxNarrowTotal, and not below that for others.
-struct SaturationDivisors {
+struct saturation_divisors {
   static constexpr int32_t kValues = 16;
   static constexpr int32_t kLeast = 3;   // 2^shift is below the first saturation
   static constexpr int32_t kMost = 256;  // that two bytes reach
@@ -31,8 +31,8 @@ struct SaturationDivisors {
 };
 
 // Thresholds made ready for a kernel call.
-struct RestorePlan {
-  explicit RestorePlan(const interleaving_tuning& tuning);
+struct restore_plan {
+  explicit restore_plan(const interleaving_tuning& tuning);
 
   const interleaving_tuning& tuning;
   bool stepped_luma;   // `steps` is set
@@ -41,18 +41,18 @@ struct RestorePlan {
   uint8_t luma_lower;
   uint16_t saturation_lower;
   uint16_t saturation_upper;
-  LumaSteps steps;
-  SaturationDivisors divisors;
-  MeanDivisor luma;
-  MeanDivisor chroma;
+  luma_steps steps;
+  saturation_divisors divisors;
+  mean_divisor luma;
+  mean_divisor chroma;
 };
 
 void restore_luma_row(uint8_t* luma, const uint8_t* low, const uint8_t* high, size_t width,
-                      const RestorePlan& plan);
+                      const restore_plan& plan);
 
 // `pairs` holds `count` byte pairs; their first bytes go with `u`, their second ones with `v`.
 void restore_chroma_row(uint8_t* pairs, const uint8_t* u, const uint8_t* v, size_t count,
-                        const RestorePlan& plan);
+                        const restore_plan& plan);
 
 // A byte pair as one 16-bit lane: the first byte is the low one. Walks over pairs need no shuffles.
 // The built-in, because a fortified memcpy is a checked call that no loop vectorises over.

@@ -27,7 +27,7 @@ inline constexpr int32_t kMaxNarrowTotal = 128;
 // most 128 * 255 + 64 < 2^15 and the multiplier less than 1 too large, so the quotient is less than
 // 2^15 / 2^22 = 1/128 too large, which truncation takes away: a quotient's fraction is at most
 // 1 - 1/total.
-struct MeanDivisor {
+struct mean_divisor {
   uint8_t total;
   uint8_t half;  // rounds half up
   uint16_t scale;

@@ -40,7 +40,7 @@ void widen_row(const uint8_t* row, size_t cols, size_t first, size_t end,
 }
 
 template <int kAcross>
-void widen_both(const UpsampleRun& run, UpsampleSums* sums) {
+void widen_both(const upsample_run& run, upsample_sums* sums) {
   const uint8_t* above = run.src + run.row * run.cols;
   const uint8_t* below = run.row + 1 < run.rows ? above + run.cols : above;
   widen_row<kAcross>(above, run.cols, run.col_first, run.col_end, sums->upper);
@@ -50,11 +50,11 @@ void widen_both(const UpsampleRun& run, UpsampleSums* sums) {
 
 }  // namespace
 
-void widen_run(const UpsampleRun& run, Upsampling factor, UpsampleSums* sums) {
+void widen_run(const upsample_run& run, Upsampling factor, upsample_sums* sums) {
   factor == Upsampling::k16x16 ? widen_both<16>(run, sums) : widen_both<8>(run, sums);
 }
 
-void blend_sums(const UpsampleSums& sums, size_t weight, uint8_t* __restrict dst) {
+void blend_sums(const upsample_sums& sums, size_t weight, uint8_t* __restrict dst) {
   const uint16_t* upper = sums.upper;
   const uint16_t* lower = sums.lower;
   const uint16_t down = static_cast<uint16_t>(weight);
@@ -63,7 +63,7 @@ void blend_sums(const UpsampleSums& sums, size_t weight, uint8_t* __restrict dst
   for (size_t x = 0; x < count; ++x) dst[x] = blend_rows(upper[x], lower[x], down);
 }
 
-void upsample_plane(const UpsamplePlane& plane, Upsampling factor) {
+void upsample_plane(const upsample_area& plane, Upsampling factor) {
   if (plane.cols < 1 || plane.rows < 1 || plane.covered < 1) return;
   const size_t across = factor == Upsampling::k16x16 ? 16 : 8;
   const size_t down = factor == Upsampling::k8x8 ? 8 : 16;
@@ -71,7 +71,7 @@ void upsample_plane(const UpsamplePlane& plane, Upsampling factor) {
   const size_t rows = static_cast<size_t>(plane.rows);
   const size_t end = std::min(cols, static_cast<size_t>(plane.covered));
   const size_t step = kUpsampleCols / across;
-  UpsampleSums sums;
+  upsample_sums sums;
   for (size_t row = 0; row < rows; ++row) {
     for (size_t col = 0; col < end; col += step) {
       widen_run({plane.src, cols, rows, row, col, std::min(end, col + step)}, factor, &sums);

@@ -12,7 +12,7 @@ enum class Upsampling { k16x16, k8x8, k8x16 };
 
 // A dense plane of `rows` x `cols` samples and its dense output, of which the first `covered`
 // source columns are written.
-struct UpsamplePlane {
+struct upsample_area {
   const uint8_t* src;
   uint8_t* dst;
   int32_t cols;
@@ -20,7 +20,7 @@ struct UpsamplePlane {
   int32_t covered;
 };
 
-void upsample_plane(const UpsamplePlane& plane, Upsampling factor);
+void upsample_plane(const upsample_area& plane, Upsampling factor);
 
 inline void upsample_plane(const upsample_job& job, Upsampling factor) {
   upsample_plane({job.src, job.dst, job.cols, job.rows, job.cols}, factor);
@@ -31,7 +31,7 @@ inline void upsample_plane(const upsample_job& job, Upsampling factor) {
 inline constexpr size_t kUpsampleCols = 4096;
 
 // Samples [col_first, col_end) of one row of a plane, at most kUpsampleCols outputs.
-struct UpsampleRun {
+struct upsample_run {
   const uint8_t* src;  // the plane
   size_t cols;
   size_t rows;
@@ -41,16 +41,16 @@ struct UpsampleRun {
 };
 
 // What all outputs between a row and the next are blended from.
-struct UpsampleSums {
+struct upsample_sums {
   size_t count;
   uint16_t upper[kUpsampleCols];
   uint16_t lower[kUpsampleCols];
 };
 
 // Goes across: 16 (k16x16) or 8 outputs per sample.
-void widen_run(const UpsampleRun& run, Upsampling factor, UpsampleSums* sums);
+void widen_run(const upsample_run& run, Upsampling factor, upsample_sums* sums);
 
 // Goes down: the row of outputs that is `weight` sixteenths below the samples.
-void blend_sums(const UpsampleSums& sums, size_t weight, uint8_t* dst);
+void blend_sums(const upsample_sums& sums, size_t weight, uint8_t* dst);
 
 #endif  // VOREL_CONVERT_UPSAMPLE_H_

@@ -8,7 +8,7 @@ namespace {
 
 // Of the smooth plane only the rows that y_low_downsample reads.
 void* filter_strip_job(void* job) {
-  BoxStrip strip = box_strip(*static_cast<const box_filter_job*>(job));
+  box_filter_strip strip = box_strip(*static_cast<const box_filter_job*>(job));
   strip.low_step = 16;
   filter_strip(strip);
   return nullptr;

@@ -49,7 +49,7 @@ struct vorel_thread : frame_planes, stage_record {
   uint8_t* packed_out;
   uint8_t* y_source;
   box_filter_job box_jobs[kBoxFilterJobs];
-  RestoreStrip interleave_jobs[kInterleaveJobs];
+  restore_strip interleave_jobs[kInterleaveJobs];
   bool whole_planes;  // upsampled planes are wanted, as dumps show them
   frame_pool* pool;
   int32_t nice;  // of the driver thread

@@ -13,7 +13,7 @@ int32_t strip_rows(const vorel_thread* run) {
   return align_down_16(run->aligned_height / kInterleaveJobs);
 }
 
-void place_planar_strip(const vorel_thread* run, RestoreStrip* job, size_t first_row) {
+void place_planar_strip(const vorel_thread* run, restore_strip* job, size_t first_row) {
   const size_t luma = first_row * static_cast<size_t>(run->width);
   const size_t half_width = static_cast<size_t>(run->width) / 2;
   const size_t chroma_row = first_row / 2;
@@ -42,7 +42,7 @@ void place_planar_strip(const vorel_thread* run, RestoreStrip* job, size_t first
   if (restores_to_half_planes(run->tuning)) job->uv_out = nullptr;
 }
 
-void place_packed_strip(const vorel_thread* run, RestoreStrip* job, size_t first_row) {
+void place_packed_strip(const vorel_thread* run, restore_strip* job, size_t first_row) {
   const size_t width = static_cast<size_t>(run->width);
   job->upsampled_u = run->upsampled_u + first_row * (width / 2);
   job->upsampled_v = run->upsampled_v + first_row * (width / 2);
@@ -54,7 +54,7 @@ void place_packed_strip(const vorel_thread* run, RestoreStrip* job, size_t first
 void fill_interleave_jobs(vorel_thread* run) {
   const int32_t strip = strip_rows(run);
   for (int32_t i = 0; i < kInterleaveJobs; ++i) {
-    RestoreStrip& job = run->interleave_jobs[i];
+    restore_strip& job = run->interleave_jobs[i];
     const size_t first_row = static_cast<size_t>(i) * static_cast<size_t>(strip);
     job.width = run->width;
     job.rows = i + 1 < kInterleaveJobs ? strip : run->height - i * strip;
@@ -70,7 +70,7 @@ void fill_interleave_jobs(vorel_thread* run) {
 }
 
 void* vorel_interleave_thread_func(void* argument) {
-  const auto& job = *static_cast<const RestoreStrip*>(argument);
+  const auto& job = *static_cast<const restore_strip*>(argument);
   if (is_packed_422(job.format)) {
     restore_packed_strip(job);
   } else if (is_planar_420(job.format)) {

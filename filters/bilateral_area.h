@@ -7,7 +7,7 @@
 #include "vorel/tuning.h"
 
 // A dense plane and its equally large output; the window's half extents.
-struct BilateralPlane {
+struct bilateral_plane {
   const uint8_t* src;
   uint8_t* dst;
   int32_t height;
@@ -18,7 +18,7 @@ struct BilateralPlane {
 };
 
 // Rows and columns at the plane's edges.
-struct PlaneMargins {
+struct plane_margins {
   int32_t top;
   int32_t bottom;
   int32_t left;
@@ -29,13 +29,13 @@ struct PlaneMargins {
 enum class RangeWeightSource { kPolynomial, kStored };
 
 // What lies inside the margins, all of it rounded as the interior is.
-void filter_interior(const BilateralPlane& plane, const PlaneMargins& margins,
+void filter_interior(const bilateral_plane& plane, const plane_margins& margins,
                      RangeWeightSource source);
 
 // The whole plane.
-void filter_plane(const BilateralPlane& plane, RangeWeightSource source);
+void filter_plane(const bilateral_plane& plane, RangeWeightSource source);
 
 // The same with the weights that the threshold asks for.
-void filter_plane(const BilateralPlane& plane);
+void filter_plane(const bilateral_plane& plane);
 
 #endif  // VOREL_FILTERS_BILATERAL_AREA_H_

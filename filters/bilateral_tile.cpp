@@ -28,13 +28,13 @@ inline uint8_t border_mean(uint32_t value_sum, uint32_t weight_sum) {
 
 // Sums of one row of the tile over one run of taps, with one byte of the range weights:
 // `weights` in 16 bits as runs are short, `values` up to 257 * 255 * 255.
-struct RunSums {
+struct tap_run_sums {
   HalfLanes weights{};
   WordLanes values{};
 };
 
-inline void add_tap(ByteLanes centre, ByteLanes neighbour, const WeightTable& table,
-                    ByteTable entries, uint8_t largest_difference, RunSums& sums) {
+inline void add_tap(ByteLanes centre, ByteLanes neighbour, const weight_table& table,
+                    ByteTable entries, uint8_t largest_difference, tap_run_sums& sums) {
   const ByteLanes difference = __builtin_elementwise_min(absolute_difference(centre, neighbour),
                                                          ByteLanes{} + largest_difference);
   const HalfLanes weight =
@@ -54,15 +54,15 @@ inline void add_to_memory(const Lanes& lanes, uint32_t* sums) {
 }
 
 // Adds what the window's listed taps give with one table to the sums of `rows` rows.
-void add_table(const TileWorkspace& work, const WeightTable& table, uint8_t largest_difference,
-               int32_t rows, TileSums* sums) {
+void add_table(const tile_workspace& work, const weight_table& table, uint8_t largest_difference,
+               int32_t rows, tile_sums* sums) {
   const ByteTable entries = load_table(table.entries);
   for (int32_t y = 0; y < rows; ++y) {
     const ByteLanes centre = load_lanes(work.centre.rows[y]);
     const uint8_t* window = work.window.rows[y];
     for (int32_t r = 0; r < work.taps.run_count; ++r) {
-      const TapRun& run = work.taps.runs[r];
-      RunSums run_sums;
+      const tap_run& run = work.taps.runs[r];
+      tap_run_sums run_sums;
       for (int32_t tap = run.first; tap < run.end; ++tap) {
         add_tap(centre, load_lanes(window + work.taps.offsets[tap]), table, entries,
                 largest_difference, run_sums);
@@ -89,12 +89,12 @@ void add_polynomial_tap(const uint8_t* __restrict centre, const uint8_t* __restr
 }
 
 // Adds what the window's listed taps give with weights from the polynomial.
-void add_polynomial(const TileWorkspace& work, const bilateralfiltering_tuning& tuning,
-                    int32_t rows, TileSums* sums) {
+void add_polynomial(const tile_workspace& work, const bilateralfiltering_tuning& tuning,
+                    int32_t rows, tile_sums* sums) {
   for (int32_t y = 0; y < rows; ++y) {
     const uint8_t* window = work.window.rows[y];  // taps lie in the rows below it too
     for (int32_t r = 0; r < work.taps.run_count; ++r) {
-      const TapRun& run = work.taps.runs[r];
+      const tap_run& run = work.taps.runs[r];
       for (int32_t tap = run.first; tap < run.end; ++tap) {
         add_polynomial_tap(work.centre.rows[y], window + work.taps.offsets[tap], tuning,
                            run.spatial_weight, sums->weight[y], sums->value[y]);
@@ -113,7 +113,7 @@ void store_row(const uint32_t* __restrict value_sums, const uint32_t* __restrict
 }
 
 // The sum of weights starts at 1 so that, short of wrapping, it is never 0.
-void reset_sums(int32_t rows, TileSums* sums) {
+void reset_sums(int32_t rows, tile_sums* sums) {
   for (int32_t y = 0; y < rows; ++y) {
     std::fill_n(sums->weight[y], kLanes, 1U);
     std::fill_n(sums->value[y], kLanes, 0U);
@@ -122,16 +122,16 @@ void reset_sums(int32_t rows, TileSums* sums) {
 
 }  // namespace
 
-void filter_tile(const BilateralPlane& plane, const TileArea& area, const PlaneArea& interior,
-                 const RangeWeights& weights, TileWorkspace* work) {
-  const SourcePlane source{plane.src, plane.height, plane.width};
+void filter_tile(const bilateral_plane& plane, const tile_area& area, const plane_area& interior,
+                 const range_weights& weights, tile_workspace* work) {
+  const source_plane source{plane.src, plane.height, plane.width};
   reset_sums(area.rows, &work->sums);
   fill_tile(source, area, &work->centre);
 
   for (int32_t part_row = -plane.span_row; part_row <= plane.span_row; part_row += kPartSize) {
     for (int32_t part_col = -plane.span_col; part_col <= plane.span_col; part_col += kPartSize) {
-      const WindowPart part = {part_row, std::min(part_row + kPartSize, plane.span_row + 1),
-                               part_col, std::min(part_col + kPartSize, plane.span_col + 1)};
+      const window_part part = {part_row, std::min(part_row + kPartSize, plane.span_row + 1),
+                                part_col, std::min(part_col + kPartSize, plane.span_col + 1)};
       if (part != work->taps.part) list_taps(part, kTilePitch, &work->taps);
       fill_tile(source,
                 {area.row + part.row_first, area.col + part.col_first, area.rows + part.rows() - 1,

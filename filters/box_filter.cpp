@@ -61,7 +61,7 @@ constexpr decltype(&filter_row<0>) kRowFilters[kMaxTabBit + 1] = {
 
 // Row of the plane that stands for `row`. The mirrors are the strip's first and last row, not the
 // plane's: a short strip's image can lie outside the plane too and is then mirrored again.
-ptrdiff_t mirror_row(const BoxStrip& strip, ptrdiff_t row) {
+ptrdiff_t mirror_row(const box_filter_strip& strip, ptrdiff_t row) {
   const ptrdiff_t last = strip.row_end - 1;
   // Two mirrors in one place would swap the same two rows outside for ever.
   const bool one_mirror = strip.row_first == last;
@@ -73,7 +73,7 @@ ptrdiff_t mirror_row(const BoxStrip& strip, ptrdiff_t row) {
   return row;
 }
 
-void filter_block(const BoxStrip& strip, ptrdiff_t first_column, ptrdiff_t columns) {
+void filter_block(const box_filter_strip& strip, ptrdiff_t first_column, ptrdiff_t columns) {
   const ptrdiff_t radius = box_radius(strip.tab_bit);
   const auto filter = kRowFilters[strip.tab_bit];
   const auto source_row = [&](ptrdiff_t row) {
@@ -96,7 +96,7 @@ void filter_block(const BoxStrip& strip, ptrdiff_t first_column, ptrdiff_t colum
 
 }  // namespace
 
-void filter_strip(BoxStrip strip) {
+void filter_strip(box_filter_strip strip) {
   strip.row_first = std::max<ptrdiff_t>(strip.row_first, 0);
   strip.row_end = std::min(strip.row_end, strip.row_limit);
   strip.tab_bit = std::clamp(strip.tab_bit, 0, kMaxTabBit);

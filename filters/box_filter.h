@@ -9,7 +9,7 @@
 
 // Rows [row_first, row_end) and columns [0, columns) of three planes with one pitch. Rows outside
 // [0, row_limit) do not belong to the plane and are left alone.
-struct BoxStrip {
+struct box_filter_strip {
   const uint8_t* src;
   uint8_t* low;
   uint8_t* high;
@@ -23,10 +23,10 @@ struct BoxStrip {
   ptrdiff_t low_step = 1;
 };
 
-void filter_strip(BoxStrip strip);
+void filter_strip(box_filter_strip strip);
 
 // All columns of a job.
-inline BoxStrip box_strip(const box_filter_job& job) {
+inline box_filter_strip box_strip(const box_filter_job& job) {
   return {job.src,       job.low,       job.high,    job.width,          job.width,
           job.row_limit, job.row_first, job.row_end, job.tuning->tab_bit};
 }

@@ -31,7 +31,7 @@ void fill_row(const uint8_t* src, ptrdiff_t width, ptrdiff_t col, ptrdiff_t cols
 
 }  // namespace
 
-void fill_tile(const SourcePlane& plane, const TileArea& area, PlaneTile* tile) {
+void fill_tile(const source_plane& plane, const tile_area& area, plane_tile* tile) {
   for (int32_t y = 0; y < area.rows; ++y) {
     const ptrdiff_t source_row = mirror_index(static_cast<ptrdiff_t>(area.row) + y, plane.height);
     fill_row(plane.samples + source_row * plane.width, plane.width, area.col, area.cols,

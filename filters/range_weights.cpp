@@ -9,12 +9,12 @@ constexpr int32_t kStoredWeights = 16;
 
 // Cuts the weights of the differences 0..largest, at most 255, into tables. False when there are
 // more than fit.
-bool cut_weights(const uint32_t* weights, int32_t largest, RangeWeights* out) {
+bool cut_weights(const uint32_t* weights, int32_t largest, range_weights* out) {
   out->largest_difference = static_cast<uint8_t>(largest);
   for (int32_t first = 0; first <= largest; first += kGroup) {
     const int32_t end = std::min(first + kGroup, largest + 1);
     for (uint32_t shift = 0; shift < 32; shift += 8) {
-      WeightTable table{};
+      weight_table table{};
       table.first_difference = static_cast<uint8_t>(first);
       table.shift = static_cast<uint8_t>(shift);
       uint8_t any = 0;
@@ -33,8 +33,8 @@ bool cut_weights(const uint32_t* weights, int32_t largest, RangeWeights* out) {
 
 }  // namespace
 
-RangeWeights polynomial_weights(const bilateralfiltering_tuning& tuning) {
-  RangeWeights range;
+range_weights polynomial_weights(const bilateralfiltering_tuning& tuning) {
+  range_weights range;
   uint32_t weights[256];
   const int32_t largest = std::clamp(tuning.val_delta_th, 0, 255);
   for (int32_t difference = 0; difference <= largest; ++difference) {
@@ -47,8 +47,8 @@ RangeWeights polynomial_weights(const bilateralfiltering_tuning& tuning) {
   return range;
 }
 
-RangeWeights stored_weights(const bilateralfiltering_tuning& tuning) {
-  RangeWeights range;
+range_weights stored_weights(const bilateralfiltering_tuning& tuning) {
+  range_weights range;
   uint32_t weights[kStoredWeights + 1];
   const int32_t largest = std::clamp(tuning.val_delta_th, 0, kStoredWeights);
   for (int32_t difference = 0; difference <= largest; ++difference) {

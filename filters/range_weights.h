@@ -21,7 +21,7 @@ inline int32_t polynomial_weight(const bilateralfiltering_tuning& tuning, int32_
 }
 
 // One look-up of the filter: one byte of the weights of 16 neighbouring differences.
-struct WeightTable {
+struct weight_table {
   uint8_t entries[16];
   uint8_t first_difference;
   uint8_t shift;  // place of the byte in the weight: 0, 8, 16 or 24
@@ -33,18 +33,18 @@ struct WeightTable {
 // more than kMostTables have no tables; they cost less as the polynomial, for each sample anew.
 inline constexpr int32_t kMostTables = 3;
 
-struct RangeWeights {
+struct range_weights {
   const bilateralfiltering_tuning* polynomial = nullptr;  // the caller's; null: the tables hold
   uint8_t largest_difference = 0;                         // larger differences weigh the same
   int32_t table_count = 0;
-  WeightTable tables[kMostTables];
+  weight_table tables[kMostTables];
 };
 
 // Range weights from the polynomial, for any tuning, which must outlive them.
-RangeWeights polynomial_weights(const bilateralfiltering_tuning& tuning);
+range_weights polynomial_weights(const bilateralfiltering_tuning& tuning);
 
 // Range weights from the low bytes of `val_weight`; 0 where min(difference, val_delta_th) is no
 // index of it.
-RangeWeights stored_weights(const bilateralfiltering_tuning& tuning);
+range_weights stored_weights(const bilateralfiltering_tuning& tuning);
 
 #endif  // VOREL_FILTERS_RANGE_WEIGHTS_H_

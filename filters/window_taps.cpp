@@ -13,7 +13,7 @@ constexpr int32_t kDistances = 16;
 // Calls `visit(distance, offset)` for every tap of the part, distances limited to the last
 // weight's.
 template <typename Visit>
-void visit_taps(const WindowPart& part, ptrdiff_t pitch, Visit visit) {
+void visit_taps(const window_part& part, ptrdiff_t pitch, Visit visit) {
   for (int32_t row = part.row_first; row < part.row_end; ++row) {
     for (int32_t col = part.col_first; col < part.col_end; ++col) {
       const int32_t distance = std::min(std::abs(row) + std::abs(col), kDistances - 1);
@@ -24,7 +24,7 @@ void visit_taps(const WindowPart& part, ptrdiff_t pitch, Visit visit) {
 
 }  // namespace
 
-void list_taps(const WindowPart& part, ptrdiff_t pitch, WindowTaps* out) {
+void list_taps(const window_part& part, ptrdiff_t pitch, window_taps* out) {
   int32_t counts[kDistances] = {};
   visit_taps(part, pitch, [&](int32_t distance, ptrdiff_t) { ++counts[distance]; });
 

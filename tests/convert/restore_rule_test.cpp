@@ -14,9 +14,9 @@ TEST(RestoreRule, MultiplicationEqualsTheDivisionForEverySum) {
   for (int total = 1; total <= kMaxNarrowTotal; ++total) {
     interleaving_tuning tuning{};
     tuning.d_Y_upper_thresh = total;
-    const RestorePlan plan(tuning);
+    const restore_plan plan(tuning);
     ASSERT_TRUE(plan.narrow_luma);
-    const MeanDivisor& by = plan.luma;
+    const mean_divisor& by = plan.luma;
     ASSERT_EQ(std::count(by.multiplier, by.multiplier + kRestoreBlock, by.multiplier[0]),
               static_cast<ptrdiff_t>(kRestoreBlock));
     for (int sum = 0; sum <= 255 * total; ++sum) {
@@ -30,12 +30,12 @@ TEST(RestoreRule, MultiplicationEqualsTheDivisionForEverySum) {
 
 // Every distance and every bounded saturation, whichever the least one is.
 TEST(RestoreRule, SaturationDivisorsEqualTheIntegerDivision) {
-  for (int first = SaturationDivisors::kLeast; first <= SaturationDivisors::kMost; ++first) {
+  for (int first = saturation_divisors::kLeast; first <= saturation_divisors::kMost; ++first) {
     interleaving_tuning tuning{};
     tuning.d_UV_thresh = 16;
     tuning.cs_lower_thresh = first;
-    tuning.cs_upper_thresh = std::min(first + 15, SaturationDivisors::kMost);
-    const RestorePlan plan(tuning);
+    tuning.cs_upper_thresh = std::min(first + 15, saturation_divisors::kMost);
+    const restore_plan plan(tuning);
     ASSERT_TRUE(plan.narrow_chroma) << first;
     for (int scale = first; scale <= tuning.cs_upper_thresh; ++scale) {
       const int i = scale - plan.divisors.first;
@@ -54,12 +54,12 @@ TEST(RestoreRule, SaturationDivisorsEqualTheIntegerDivision) {
 
 // Every pair of a sample and a rebuilt one, for every threshold that takes the steps.
 TEST(RestoreRule, LumaStepsEqualTheMean) {
-  for (int upper = 1; upper <= LumaSteps::kSteps; ++upper) {
+  for (int upper = 1; upper <= luma_steps::kSteps; ++upper) {
     for (int lower = 0; lower <= upper; ++lower) {
       interleaving_tuning tuning{};
       tuning.d_Y_upper_thresh = upper;
       tuning.d_Y_lower_thresh = lower;
-      const RestorePlan plan(tuning);
+      const restore_plan plan(tuning);
       ASSERT_TRUE(plan.stepped_luma);
       uint8_t low[256];
       uint8_t high[256];

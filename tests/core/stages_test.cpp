@@ -124,7 +124,7 @@ TEST_F(StagesTest, UnknownFormatFails) {
   EXPECT_EQ(log_.count("vorel_interleave, Not supported format"), 1);
   vorel_u_job(run.get());
   EXPECT_EQ(log_.count("vorel_u, Not supported format"), 1);
-  RestoreStrip job{};
+  restore_strip job{};
   job.format = 0x30313233;
   vorel_interleave_thread_func(&job);
   EXPECT_EQ(log_.count("vorel_interleave_thread_func, Not supported format"), 1);
@@ -260,7 +260,7 @@ TEST_F(StagesTest, DumpsHoldThePlanesTheyAreNamedAfter) {
       planes["u_V_64_40.raw"] = {run->upsampled_v, 64 * 40};
       planes["Y_128_72.raw"] = {original.y.data(), 128 * 72};
       fill_interleave_jobs(run.get());
-      for (RestoreStrip& job : run->interleave_jobs) vorel_interleave_thread_func(&job);
+      for (restore_strip& job : run->interleave_jobs) vorel_interleave_thread_func(&job);
     }
     for (const auto& [name, plane] : planes) {
       const std::string bytes = read_file(folder / name);

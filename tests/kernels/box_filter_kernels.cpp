@@ -74,7 +74,7 @@ void make_box_filter_frame(KernelData& data) { make_box_filter(data); }
 
 void run_box_filter_frame(KernelData& data, KernelStrip strip) {
   const boxfiltering_tuning tuning{tab_bit(data)};
-  BoxStrip room = box_strip(describe_strip(data, strip, &tuning));
+  box_filter_strip room = box_strip(describe_strip(data, strip, &tuning));
   room.low_step = kLowStep;
   filter_strip(room);
 }

@@ -188,7 +188,7 @@ void make_restore_blocks(KernelData& data) {
 void run_restore_blocks(KernelData& data, KernelStrip strip) {
   const interleaving_tuning tuning = tuning_of(data);
   const size_t luma = static_cast<size_t>(strip.first * data.size.width);
-  RestoreStrip job{};
+  restore_strip job{};
   job.width = data.size.width;
   job.rows = strip.end - strip.first;
   job.y_high = data.bytes(kHigh) + luma;

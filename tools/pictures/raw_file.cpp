@@ -93,20 +93,21 @@ RawReader::RawReader(InputFile file, const std::string& path, const ReadOptions&
   const std::vector<Size> sizes = possible_sizes(file_.name(), path, options);
   shape_.layout = choose_layout(path, options);
   shape_.stride = options.stride.value_or(0);
-  if (!file_.length()) {
+  const std::optional<uint64_t> length = file_.length();
+  if (!length) {
     shape_.size = sizes.front();
     if (options.frames != kAllFrames) frames_ = options.frames;
   } else {
     for (const Size size : sizes) {
       shape_.size = size;
-      frames_ = count_frames(shape_, *file_.length(), options.frames);
+      frames_ = count_frames(shape_, *length, options.frames);
       if (frames_) break;
     }
     if (!frames_) shape_.size = sizes.front();
   }
   check_stride(shape_);
-  if (file_.length() && !frames_) {
-    throw input_error(file_.name(), length_problem(shape_, *file_.length(), options.frames));
+  if (length && !frames_) {
+    throw input_error(file_.name(), length_problem(shape_, *length, options.frames));
   }
   if (shape_.bytes() > kMaxRawBytes) throw input_error(file_.name(), "its frames are too large");
 }
@@ -146,7 +147,7 @@ std::optional<Picture> RawReader::next() {
 Nv21Frame read_raw(const std::string& path, std::optional<Size> size, Colour colour) {
   ReadOptions options{size, colour.range, colour.matrix};
   options.layout = Layout::kNv21;
-  return std::get<Nv21Frame>(RawReader(InputFile(path), path, options).next()->pixels);
+  return std::get<Nv21Frame>(RawReader(InputFile(path), path, options).next().value().pixels);
 }
 
 }  // namespace tool

@@ -71,9 +71,10 @@ void Y4mReader::parse_header(const std::string& line, bool range_is_given) {
 }
 
 void Y4mReader::count_frames(size_t header_bytes) {
-  if (!file_.length()) return;
+  const std::optional<uint64_t> length = file_.length();
+  if (!length) return;
   const size_t frame = sizeof(kFrameMagic) + frame_bytes(size_);  // line end instead of terminator
-  expected_frames_ = static_cast<int>((*file_.length() - header_bytes) / frame);
+  expected_frames_ = static_cast<int>((*length - header_bytes) / frame);
 }
 
 std::optional<Picture> Y4mReader::next() {

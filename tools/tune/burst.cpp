@@ -45,7 +45,7 @@ std::vector<float> block_means(const std::vector<float>& samples, const Nv21Fram
           const float* line = samples.data() + plane.offset + size_t(row) * size_t(plane.width);
           for (int col = x; col < x + kBlock; ++col) sums[col % step] += line[col];
         }
-        const float count = static_cast<float>(kBlock * kBlock / step);
+        const float count = static_cast<float>(kBlock * kBlock) / static_cast<float>(step);
         for (int i = 0; i < step; ++i) means.push_back(sums[i] / count);
       }
     }

@@ -33,7 +33,7 @@ double chroma_error(const Nv21Frame& frame, const ChromaImage& truth, size_t com
     const double difference = frame.vu()[i] - static_cast<double>(truth.pairs[i]);
     sum += difference * difference;
   }
-  return sum / static_cast<double>(truth.pairs.size() / 2);
+  return 2.0 * sum / static_cast<double>(truth.pairs.size());
 }
 
 RgbImage some_rows(const RgbImage& image) {
