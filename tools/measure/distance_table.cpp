@@ -1,12 +1,11 @@
 #include "tools/measure/distance_table.h"
 
-#include <jansson.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
+
+#include "tools/files/json_text.h"
+#include "tools/measure/chart_table.h"
 
 namespace tool {
 namespace {
@@ -81,26 +80,29 @@ std::string distance_table(const std::vector<NamedDistance>& pictures) {
   return table;
 }
 
-std::string distance_json(const std::string& reference,
-                          const std::vector<NamedDistance>& pictures) {
+json_t* distance_list(const std::vector<NamedDistance>& pictures) {
   json_t* list = json_array();
   for (const NamedDistance& picture : pictures) {
     json_t* entry = json_object();
-    json_object_set_new(entry, "file", json_string(picture.name.c_str()));
+    json_object_set_new(entry, "file", json_text(picture.name));
     for (const Figure& figure : kFigures) {
       const double value = (picture.distance.*figure.value)();
       json_object_set_new(entry, figure.key, std::isfinite(value) ? json_real(value) : json_null());
     }
     json_array_append_new(list, entry);
   }
-  json_t* root = json_object();
-  json_object_set_new(root, "reference", json_string(reference.c_str()));
-  json_object_set_new(root, "pictures", list);
-  char* text = json_dumps(root, JSON_INDENT(2) | JSON_REAL_PRECISION(8));
-  json_decref(root);
-  const std::string result = std::string(text != nullptr ? text : "{}") + "\n";
-  std::free(text);
-  return result;
+  return list;
+}
+
+std::string distance_json(const std::string& reference, const std::vector<NamedDistance>& pictures,
+                          const std::vector<ChartFigures>& charts) {
+  json_t* list = distance_list(pictures);
+  for (size_t i = 0; i < charts.size(); ++i) {
+    json_t* entry = json_array_get(list, i);
+    json_object_set_new(entry, "patches", patches_json(charts[i]));
+    if (!charts[i].edges.empty()) json_object_set_new(entry, "edges", edges_json(charts[i]));
+  }
+  return json_lines(json_pack("{s:o,s:o}", "reference", json_text(reference), "pictures", list));
 }
 
 }  // namespace tool

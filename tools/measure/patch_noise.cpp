@@ -1,9 +1,12 @@
 #include "tools/measure/patch_noise.h"
 
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <numbers>
 #include <vector>
+
+#include "tools/files/failure.h"
 
 namespace tool {
 namespace {
@@ -71,6 +74,30 @@ PatchNoise measure_patch(const PatchView& patch) {
   const double share =
       squares > 0 ? coarse_energy(noise, patch.width, patch.height) / (count * squares) : 0;
   return {mean, std::sqrt(squares / count), share};
+}
+
+PatchPlanes measure_patch(const Nv21Frame& frame, const Crop& patch) {
+  const auto width = static_cast<size_t>(frame.width);
+  const auto x = static_cast<size_t>(patch.x);
+  const uint8_t* luma = frame.y() + static_cast<size_t>(patch.y) * width + x;
+  const auto chroma_x = static_cast<size_t>((patch.x + 1) / 2);
+  const auto chroma_y = static_cast<size_t>((patch.y + 1) / 2);
+  const auto stride = static_cast<size_t>(frame.chroma_stride());
+  const uint8_t* pair = frame.vu() + chroma_y * stride + 2 * chroma_x;
+  const int chroma_width = std::max((patch.x + patch.width) / 2 - (patch.x + 1) / 2, 1);
+  const int chroma_height = std::max((patch.y + patch.height) / 2 - (patch.y + 1) / 2, 1);
+  return {measure_patch(PatchView{luma, width, 1, patch.width, patch.height}),
+          measure_patch(PatchView{pair + 1, stride, 2, chroma_width, chroma_height}),
+          measure_patch(PatchView{pair, stride, 2, chroma_width, chroma_height})};
+}
+
+void check_patch(const Crop& patch, Size size, const std::string& path) {
+  if (patch.width <= size.width - patch.x && patch.height <= size.height - patch.y &&
+      patch.width >= 2 && patch.height >= 2) {
+    return;
+  }
+  throw usage_error("--patch does not lie in " + path + ", which is " + size_text(size) +
+                    ", or is less than 2 x 2");
 }
 
 }  // namespace tool

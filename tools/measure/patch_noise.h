@@ -4,6 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
+
+#include "tools/pictures/picture.h"
+#include "tools/pictures/side_by_side.h"
 
 namespace tool {
 
@@ -27,6 +31,20 @@ struct PatchNoise {
 
 // Sides of 1 and more.
 [[nodiscard]] PatchNoise measure_patch(const PatchView& patch);
+
+struct PatchPlanes {
+  PatchNoise y;
+  PatchNoise u;
+  PatchNoise v;
+};
+
+// Of a rectangle in the frame, 2 x 2 and larger: chroma samples that lie in it with all their
+// pixels, but one at least.
+[[nodiscard]] PatchPlanes measure_patch(const Nv21Frame& frame, const Crop& patch);
+
+// Throws a usage error, which names the picture's `path`, for a patch that is less than 2 x 2 or
+// does not lie in the picture.
+void check_patch(const Crop& patch, Size size, const std::string& path);
 
 }  // namespace tool
 

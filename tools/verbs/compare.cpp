@@ -4,9 +4,15 @@
 
 #include "tools/files/failure.h"
 #include "tools/files/input_file.h"
+#include "tools/files/printable.h"
+#include "tools/measure/chart_table.h"
 #include "tools/measure/distance_table.h"
+#include "tools/measure/patch_noise.h"
 #include "tools/pictures/colour.h"
+#include "tools/report/chart_layout.h"
+#include "tools/report/chart_picture.h"
 #include "tools/tune/parallel.h"
+#include "tools/verbs/verb_options.h"
 
 namespace tool {
 namespace {
@@ -58,57 +64,130 @@ std::vector<Source> open_sources(const CompareOptions& options) {
   return sources;
 }
 
+// Of the drawn chart's patches and edges.
+ChartFigures chart_figures(const Nv21Frame& frame, const Nv21Frame& reference) {
+  ChartFigures figures;
+  int number = 0;
+  for (const ChartPatch& patch : kChartPatches) {
+    figures.patches.push_back(
+        {patch.name, measure_colour_patch(frame, reference, patch_core(number++))});
+  }
+  for (const ChartEdge& edge : kChartEdges) {
+    figures.edges.push_back({edge.name, edge_width(frame, edge.area, edge.vertical),
+                             edge_width(reference, edge.area, edge.vertical)});
+  }
+  return figures;
+}
+
+// The names of all pictures that are compared, the reference first.
+std::vector<std::string> names_of(const std::vector<Source>& sources, bool has_chart) {
+  std::vector<std::string> names;
+  if (has_chart) names.emplace_back("the chart");
+  for (const Source& source : sources) names.push_back(source.path);
+  return names;
+}
+
+// The frame of every file, after the chart when that is the reference.
+std::vector<Decoded> next_with_reference(std::vector<Source>& sources, Colour colour,
+                                         bool has_chart) {
+  std::vector<Decoded> frames = next_frames(sources, colour);
+  if (!has_chart || frames.empty()) return frames;
+  const Size size{frames[0].image.width, frames[0].image.height};
+  if (!(size == kChartSize)) {
+    throw input_error(sources.front().path,
+                      "is " + size_text(size) + ", but the chart is " + size_text(kChartSize));
+  }
+  RgbImage chart = chart_picture();
+  Nv21Frame frame = rgb_to_nv21(chart, colour);
+  frames.insert(frames.begin(), {std::move(frame), std::move(chart)});
+  return frames;
+}
+
+// Of each frame but the reference; empty when not asked for.
+std::vector<ChartFigures> measure_charts(const CompareOptions& options, const std::string& name,
+                                         const std::vector<Decoded>& frames) {
+  std::vector<ChartFigures> charts;
+  if (!options.chart && options.patches.empty()) return charts;
+  const Nv21Frame& reference = frames.front().frame;
+  for (const Crop& patch : options.patches) {
+    check_patch(patch, {reference.width, reference.height}, name);
+  }
+  for (size_t i = 1; i < frames.size(); ++i) {
+    charts.push_back(options.chart ? chart_figures(frames[i].frame, reference) : ChartFigures{});
+    for (const Crop& patch : options.patches) {
+      charts.back().patches.push_back(
+          {crop_text(patch), measure_colour_patch(frames[i].frame, reference, patch)});
+    }
+  }
+  return charts;
+}
+
 // The reference comes first among the sources and, when it is a truth, last in the picture.
 void write_side_by_side(const CompareOptions& options, const std::vector<Decoded>& frames) {
+  const bool has_truth = options.truth || options.chart;
   std::vector<const RgbImage*> images;
-  for (size_t i = options.truth ? 1 : 0; i < frames.size(); ++i) images.push_back(&frames[i].image);
-  if (options.truth) images.push_back(&frames.front().image);
+  for (size_t i = has_truth ? 1 : 0; i < frames.size(); ++i) images.push_back(&frames[i].image);
+  if (has_truth) images.push_back(&frames.front().image);
   const RgbImage picture = side_by_side(images, options.crop, options.zoom);
   const std::unique_ptr<PictureOutput> output = PictureOutput::open(*options.output);
   output->write({picture, {}});
   output->finish();
 }
 
-}  // namespace
-
-void run_compare(const CompareOptions& options) {
-  if (options.pictures.size() + (options.truth ? 1 : 0) < 2) {
-    throw usage_error("compare needs two pictures, or one and --truth");
+void check_usage(const CompareOptions& options) {
+  if (options.truth && options.chart) {
+    throw usage_error("--truth and --chart both name the truth; give one of them");
   }
+  if (options.pictures.size() + (options.truth || options.chart ? 1 : 0) < 2) {
+    throw usage_error("compare needs two pictures, or one and --truth or --chart");
+  }
+  if (!options.output) return;
   if (options.output == kStandardStream) {
     throw usage_error("the figures go to standard output; give the picture a file");
   }
-  if (options.output) {
-    std::vector<std::string> inputs = options.pictures;
-    if (options.truth) inputs.push_back(*options.truth);
-    check_outputs({*options.output}, inputs, options.force);
-  }
+  std::vector<std::string> inputs = options.pictures;
+  if (options.truth) inputs.push_back(*options.truth);
+  check_outputs({*options.output}, inputs, options.force);
+}
+
+}  // namespace
+
+void run_compare(const CompareOptions& options) {
+  check_usage(options);
   std::vector<Source> sources = open_sources(options);
   const Colour colour = sources.front().input->colour();
+  const std::vector<std::string> names = names_of(sources, options.chart);
   std::vector<NamedDistance> distances;
-  for (size_t i = 1; i < sources.size(); ++i) distances.push_back({sources[i].path, {}});
+  for (size_t i = 1; i < names.size(); ++i) distances.push_back({names[i], {}});
 
   int frame_count = 0;
   Size size{};
-  for (std::vector<Decoded> frames = next_frames(sources, colour); !frames.empty();
-       frames = next_frames(sources, colour), ++frame_count) {
+  std::vector<ChartFigures> charts;
+  while (true) {
+    const std::vector<Decoded> frames = next_with_reference(sources, colour, options.chart);
+    if (frames.empty()) break;
     const Decoded& reference = frames.front();
     size = {reference.frame.width, reference.frame.height};
     for (size_t i = 1; i < frames.size(); ++i) {
       distances[i - 1].distance.add(frames[i].frame, frames[i].image, reference.frame,
                                     reference.image);
     }
-    if (options.output && frame_count == 0) write_side_by_side(options, frames);
+    if (frame_count++ > 0) continue;
+    charts = measure_charts(options, names.front(), frames);
+    if (options.output) write_side_by_side(options, frames);
   }
   if (frame_count == 0) throw input_error(sources.front().path, "holds no frame");
 
   if (options.json) {
-    std::fputs(distance_json(sources.front().path, distances).c_str(), stdout);
+    std::fputs(distance_json(names.front(), distances, charts).c_str(), stdout);
     return;
   }
-  std::printf("against %s (%s%s)\n", sources.front().path.c_str(), size_text(size).c_str(),
+  std::printf("against %s (%s%s)\n", printable(names.front()).c_str(), size_text(size).c_str(),
               frame_count > 1 ? (", " + std::to_string(frame_count) + " frames").c_str() : "");
   std::fputs(distance_table(distances).c_str(), stdout);
+  for (size_t i = 0; i < charts.size(); ++i) {
+    std::printf("%s\n%s", printable(names[i + 1]).c_str(), chart_table(charts[i]).c_str());
+  }
   if (options.output) std::printf("  side by side in %s\n", options.output->c_str());
 }
 

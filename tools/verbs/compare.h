@@ -14,6 +14,8 @@ namespace tool {
 struct CompareOptions {
   std::vector<std::string> pictures;  // without a truth the first is the reference
   std::optional<std::string> truth;
+  bool chart = false;                 // the truth is the chart of `vorel chart`
+  std::vector<Crop> patches;          // fields of one colour
   std::optional<std::string> output;  // side by side, the truth last
   std::optional<Crop> crop;           // of the side-by-side picture
   int zoom = 1;

@@ -99,10 +99,7 @@ json_t* summary_object(const DenoiseSummary& summary) {
   if (!summary.dumps.empty()) set("dumps", json_text(summary.dumps));
   if (!summary.distances.empty()) {
     set("truth", json_text(summary.truth));
-    json_t* distances =
-        json_loads(distance_json(summary.truth, summary.distances).c_str(), 0, nullptr);
-    set("distances", json_incref(json_object_get(distances, "pictures")));
-    json_decref(distances);
+    set("distances", distance_list(summary.distances));
   }
   if (!summary.trouble.empty()) set("error", json_text(summary.trouble));
   return object;

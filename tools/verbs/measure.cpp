@@ -2,7 +2,6 @@
 
 #include <jansson.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -19,12 +18,6 @@
 namespace tool {
 namespace {
 
-struct PatchPlanes {
-  PatchNoise y;
-  PatchNoise u;
-  PatchNoise v;
-};
-
 struct Measured {
   Size size;
   std::optional<NoiseByScale> luma;
@@ -33,22 +26,6 @@ struct Measured {
   std::optional<int> iso;
   std::optional<PatchPlanes> patch;
 };
-
-PatchPlanes measure_planes(const Nv21Frame& frame, const Crop& patch) {
-  const auto width = static_cast<size_t>(frame.width);
-  const auto x = static_cast<size_t>(patch.x);
-  const uint8_t* luma = frame.y() + static_cast<size_t>(patch.y) * width + x;
-  // Chroma samples that lie in the patch with all their pixels, but one at least.
-  const auto chroma_x = static_cast<size_t>((patch.x + 1) / 2);
-  const auto chroma_y = static_cast<size_t>((patch.y + 1) / 2);
-  const auto stride = static_cast<size_t>(frame.chroma_stride());
-  const uint8_t* pair = frame.vu() + chroma_y * stride + 2 * chroma_x;
-  const int chroma_width = std::max((patch.x + patch.width) / 2 - (patch.x + 1) / 2, 1);
-  const int chroma_height = std::max((patch.y + patch.height) / 2 - (patch.y + 1) / 2, 1);
-  return {measure_patch({luma, width, 1, patch.width, patch.height}),
-          measure_patch({pair + 1, stride, 2, chroma_width, chroma_height}),
-          measure_patch({pair, stride, 2, chroma_width, chroma_height})};
-}
 
 Measured measure(const std::string& path, const MeasureOptions& options,
                  const NoiseCalibration& calibration) {
@@ -64,13 +41,8 @@ Measured measure(const std::string& path, const MeasureOptions& options,
   }
   measured.iso = exif_iso(picture->metadata.exif);
   if (options.patch) {
-    const Crop& patch = *options.patch;
-    if (patch.width > frame.width - patch.x || patch.height > frame.height - patch.y ||
-        patch.width < 2 || patch.height < 2) {
-      throw usage_error("--patch does not lie in " + path + ", which is " +
-                        size_text(measured.size) + ", or is less than 2 x 2");
-    }
-    measured.patch = measure_planes(frame, patch);
+    check_patch(*options.patch, measured.size, path);
+    measured.patch = measure_patch(frame, *options.patch);
   }
   return measured;
 }

@@ -62,6 +62,11 @@ CLI::Validator crop_rectangle() {
 
 Crop parse_crop(const std::string& text) { return read_crop(text).value_or(Crop{}); }
 
+std::string crop_text(const Crop& crop) {
+  return std::to_string(crop.x) + "," + std::to_string(crop.y) + "," + std::to_string(crop.width) +
+         "," + std::to_string(crop.height);
+}
+
 CLI::App& add_verb(CLI::App& app, const char* name, const char* description, const char* footer) {
   CLI::App& verb = *app.add_subcommand(name, description);
   verb.footer(footer);

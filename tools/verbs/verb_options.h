@@ -25,6 +25,7 @@ inline constexpr uint64_t kMaxInt = std::numeric_limits<int>::max();
 // Accepts X,Y,WIDTH,HEIGHT.
 [[nodiscard]] CLI::Validator crop_rectangle();
 [[nodiscard]] Crop parse_crop(const std::string& text);
+[[nodiscard]] std::string crop_text(const Crop& crop);
 
 // Adds a verb; `footer` ends its help and must outlive the app.
 CLI::App& add_verb(CLI::App& app, const char* name, const char* description, const char* footer);
