@@ -21,10 +21,12 @@ endif()
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
   # Half-precision operations round one by one, as they do on Arm.
   add_compile_options(-fexcess-precision=16)
-  set(VOREL_KERNEL_FLAGS -march=x86-64-v3)
+  set(VOREL_KERNEL_FLAGS -march=x86-64-v3
+    CACHE STRING "Processors that the kernels are compiled for")
 elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
   add_compile_options(-mbranch-protection=standard)
-  set(VOREL_KERNEL_FLAGS -march=armv8.2-a+fp16)
+  set(VOREL_KERNEL_FLAGS -march=armv8.2-a+fp16
+    CACHE STRING "Processors that the kernels are compiled for")
 else()
   message(FATAL_ERROR "unsupported processor ${CMAKE_SYSTEM_PROCESSOR}")
 endif()
