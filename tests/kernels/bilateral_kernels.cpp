@@ -1,7 +1,7 @@
 #include <algorithm>
-#include <cstdlib>
 
 #include "tests/kernels/kernel_list.h"
+#include "tests/kernels/plain_bilateral.h"
 #include "vorel/filters.h"
 
 namespace {
@@ -77,76 +77,9 @@ Parameters interior_parameters(int variant) {
   return {2, 4, tuning};
 }
 
-// Powers instead of nested products, 64 bits instead of 32.
-int32_t polynomial_weight(const bilateralfiltering_tuning& t, int difference) {
-  const int64_t x = std::min(difference, t.val_delta_th);
-  uint64_t sum = 0;
-  uint64_t power = 1;
-  for (const int32_t coefficient : t.val_weight_coef) {
-    sum += static_cast<uint64_t>(int64_t{coefficient}) * power;
-    power *= static_cast<uint64_t>(x);
-  }
-  const int64_t value = static_cast<int32_t>(static_cast<uint32_t>(sum));
-  const int64_t divisor = int64_t{1} << (t.val_weight_denom_shift & 31);
-  return static_cast<int32_t>((value - ((value % divisor) + divisor) % divisor) / divisor);
-}
-
-int32_t stored_weight(const bilateralfiltering_tuning& t, int difference) {
-  const int index = std::min(difference, t.val_delta_th);
-  return index < 0 || index > 15 ? 0 : t.val_weight[index] & 0xFF;
-}
-
-using RangeWeight = int32_t (*)(const bilateralfiltering_tuning&, int);
-
-int mirrored(int index, int size) {
-  if (size == 1) return 0;
-  while (index < 0 || index >= size) index = index < 0 ? -index : 2 * size - 2 - index;
-  return index;
-}
-
-// The interior's width is a multiple of 8; there one half is added in single precision.
-bool is_interior(KernelSize size, const Parameters& p, int y, int x) {
-  const int width = std::max(0, (size.width - 2 * p.span_col) & ~7);
-  const int left = (size.width - width) / 2;
-  return y >= p.span_row && y < size.height - p.span_row && x >= left && x < left + width;
-}
-
-uint8_t plain_mean(uint32_t value_sum, uint32_t weight_sum, bool interior) {
-  const float quotient = static_cast<float>(static_cast<int32_t>(value_sum)) /
-                         static_cast<float>(static_cast<int32_t>(weight_sum));
-  const double mean = interior ? quotient + 0.5f : double{quotient} + 0.5;
-  if (!(mean > 0)) return 0;  // not a number too
-  return mean > 255 ? 255 : static_cast<uint8_t>(mean);
-}
-
-uint8_t plain_sample(KernelData& data, const Parameters& p, const uint32_t* range, int y, int x) {
-  constexpr uint32_t kSpatial[] = {64, 64, 63, 61, 59, 56, 53, 50, 46, 43, 39, 35, 31, 27, 24, 21};
-  const uint8_t* src = data.bytes(kSource);
-  const int centre = src[y * data.size.width + x];
-  uint32_t weight_sum = 1;
-  uint32_t value_sum = 0;
-  for (int dy = -p.span_row; dy <= p.span_row; ++dy) {
-    const uint8_t* row = src + mirrored(y + dy, data.size.height) * data.size.width;
-    for (int dx = -p.span_col; dx <= p.span_col; ++dx) {
-      const uint32_t sample = row[mirrored(x + dx, data.size.width)];
-      const uint32_t weight = range[std::abs(centre - static_cast<int>(sample))] *
-                              kSpatial[std::min(std::abs(dy) + std::abs(dx), 15)];
-      weight_sum += weight;
-      value_sum += weight * sample;
-    }
-  }
-  return plain_mean(value_sum, weight_sum, is_interior(data.size, p, y, x));
-}
-
-void filter_plainly(KernelData& data, const Parameters& p, RangeWeight weight, bool interior_only) {
-  uint32_t range[256];
-  for (int d = 0; d < 256; ++d) range[d] = static_cast<uint32_t>(weight(p.tuning, d));
-  for (int y = 0; y < data.size.height; ++y) {
-    for (int x = 0; x < data.size.width; ++x) {
-      if (interior_only && !is_interior(data.size, p, y, x)) continue;
-      data.bytes(kFiltered)[y * data.size.width + x] = plain_sample(data, p, range, y, x);
-    }
-  }
+PlainBilateral plain_form(KernelData& data, const Parameters& p) {
+  return {data.bytes(kSource), data.bytes(kFiltered), data.size.height, data.size.width, p.span_row,
+          p.span_col};
 }
 
 }  // namespace
@@ -170,8 +103,7 @@ void run_bilateral(KernelData& data, KernelStrip) {
 
 void plain_bilateral(KernelData& data, KernelStrip) {
   const Parameters p = polynomial_parameters(data.variant);
-  const bool stored = p.tuning.val_delta_th >= 16;
-  filter_plainly(data, p, stored ? stored_weight : polynomial_weight, false);
+  plain_form(data, p).filter(p.tuning);
 }
 
 void make_bilateral_stored(KernelData& data) { make_bilateral(data); }
@@ -183,7 +115,8 @@ void run_bilateral_stored(KernelData& data, KernelStrip) {
 }
 
 void plain_bilateral_stored(KernelData& data, KernelStrip) {
-  filter_plainly(data, stored_parameters(data.variant), stored_weight, false);
+  const Parameters p = stored_parameters(data.variant);
+  plain_form(data, p).filter(p.tuning, stored_weight, false);
 }
 
 void make_bilateral_interior(KernelData& data) { make_bilateral(data); }
@@ -200,6 +133,7 @@ void run_bilateral_interior(KernelData& data, KernelStrip) {
 }
 
 void plain_bilateral_interior(KernelData& data, KernelStrip) {
-  filter_plainly(data, interior_parameters(data.variant),
-                 data.size.width % 2 == 0 ? polynomial_weight : stored_weight, true);
+  const Parameters p = interior_parameters(data.variant);
+  plain_form(data, p).filter(p.tuning, data.size.width % 2 == 0 ? polynomial_weight : stored_weight,
+                             true);
 }

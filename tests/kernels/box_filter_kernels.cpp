@@ -1,7 +1,6 @@
-#include <algorithm>
-
 #include "filters/box_filter.h"
 #include "tests/kernels/kernel_list.h"
+#include "tests/kernels/plain_box_filter.h"
 
 namespace {
 
@@ -11,15 +10,6 @@ enum : size_t { kSource, kLow, kHigh };
 constexpr int kLowStep = 16;
 
 int tab_bit(const KernelData& data) { return (data.variant + 4) % 8; }
-
-// Which row is read for `row` of a strip. The mirrors are the strip's first and last row.
-int mirrored(const KernelData& data, KernelStrip strip, int row) {
-  for (int images = 0; row < 0 || row >= data.size.height; ++images) {
-    if (strip.first == strip.end - 1 && images == 1) return strip.first;
-    row = row < 0 ? 2 * strip.first - row : 2 * (strip.end - 1) - row;
-  }
-  return row;
-}
 
 box_filter_job describe_strip(KernelData& data, KernelStrip strip,
                               const boxfiltering_tuning* tuning) {
@@ -36,22 +26,9 @@ box_filter_job describe_strip(KernelData& data, KernelStrip strip,
 }
 
 void filter_plainly(KernelData& data, KernelStrip strip, int low_step) {
-  const int radius = ((1 << tab_bit(data)) - 1) / 2;
-  const int width = data.size.width;
-  const uint8_t* src = data.bytes(kSource);
-  for (int y = strip.first; y < strip.end; ++y) {
-    for (int x = 0; x < width; ++x) {
-      const int sample = src[y * width + x];
-      int sum = sample;
-      for (int i = y - radius; i <= y + radius; ++i) {
-        sum += src[mirrored(data, strip, i) * width + x];
-      }
-      const int low = std::min((sum + radius + 1) >> tab_bit(data), 255);
-      if (y % low_step == 0) data.bytes(kLow)[y * width + x] = static_cast<uint8_t>(low);
-      data.bytes(kHigh)[y * width + x] =
-          static_cast<uint8_t>(std::clamp(sample - low + 128, 0, 255));
-    }
-  }
+  const PlainBoxFilter plain{data.bytes(kSource), data.size.width, data.size.height,
+                             tab_bit(data),       strip.first,     strip.end};
+  plain.filter(data.bytes(kLow), data.bytes(kHigh), low_step);
 }
 
 }  // namespace

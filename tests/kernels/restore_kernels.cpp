@@ -1,10 +1,9 @@
 // The restore step, pixel by pixel in 64-bit integers.
-#include <algorithm>
 #include <climits>
-#include <cstdlib>
 
 #include "convert/restore_strip.h"
 #include "tests/kernels/kernel_list.h"
+#include "tests/kernels/plain_restore.h"
 #include "tests/kernels/plain_upsample.h"
 #include "vorel/convert.h"
 
@@ -46,41 +45,6 @@ interleaving_tuning tuning_of(const KernelData& data) {
   tuning.cs_upper_thresh = thresholds[3];
   tuning.cs_lower_thresh = thresholds[4];
   return tuning;
-}
-
-int64_t rounded_mean(int64_t weight, int64_t input, int64_t filtered, int64_t total) {
-  const uint64_t sum = static_cast<uint64_t>(weight * input + (total - weight) * filtered);
-  const float quotient = static_cast<float>(static_cast<int16_t>(sum & 0xFFFF)) /
-                         static_cast<float>(static_cast<int32_t>(total));
-  return static_cast<int64_t>(quotient + 0.5f);
-}
-
-uint8_t plain_luma(int input, int low, int high, const interleaving_tuning& t) {
-  const int rebuilt = std::clamp(low + high - 128, 0, 255);
-  const int64_t distance = std::min<int64_t>(std::abs(rebuilt - input), t.d_Y_upper_thresh);
-  if (distance <= t.d_Y_lower_thresh) return static_cast<uint8_t>(input);
-  return static_cast<uint8_t>(rounded_mean(distance, input, rebuilt, t.d_Y_upper_thresh) & 0xFF);
-}
-
-struct Pair {
-  uint8_t first, second;
-};
-
-Pair plain_chroma(Pair c, Pair p, const interleaving_tuning& t) {
-  int64_t s = std::abs(c.first - 128) + std::abs(c.second - 128);
-  if (s < t.cs_lower_thresh) s = t.cs_lower_thresh;
-  if (s > t.cs_upper_thresh) s = t.cs_upper_thresh;
-  const int64_t e = std::abs(c.first - p.first) + std::abs(c.second - p.second);
-  int64_t a = s == 0 ? 0 : (64 * e + s / 2) / s;
-  if (a < 0) a = 0;
-  if (a > t.d_UV_thresh) a = t.d_UV_thresh;
-  if (a == 0) return p;
-  if (a == t.d_UV_thresh) return c;
-  const auto blend = [&](int input, int filtered) {
-    return static_cast<uint8_t>(
-        std::clamp<int64_t>(rounded_mean(a, input, filtered, t.d_UV_thresh), 0, 255));
-  };
-  return {blend(c.first, p.first), blend(c.second, p.second)};
 }
 
 void add_restored_planes(KernelData& data, int chroma_rows) {
@@ -135,7 +99,7 @@ void restore_chroma_plainly(KernelData& data, KernelStrip strip, Store store) {
 }
 
 void store_pairs_plainly(KernelData& data, KernelStrip strip, uint8_t* out) {
-  restore_chroma_plainly(data, strip, [&](int i, Pair pair) {
+  restore_chroma_plainly(data, strip, [&](int i, PlainPair pair) {
     out[2 * i] = pair.first;
     out[2 * i + 1] = pair.second;
   });
@@ -146,7 +110,7 @@ void restore_packed_plainly(KernelData& data, KernelStrip strip, bool with_luma)
   const int width = data.size.width;
   for (int i = strip.first * width; i < strip.end * width; i += 2) {
     uint8_t* group = data.bytes(kPacked) + 2 * i;
-    const Pair pair =
+    const PlainPair pair =
         plain_chroma({group[1], group[3]}, {data.bytes(kU)[i / 2], data.bytes(kV)[i / 2]}, tuning);
     group[1] = pair.first;
     group[3] = pair.second;
@@ -217,7 +181,7 @@ void plain_restore_blocks(KernelData& data, KernelStrip strip) {
     uint8_t* pair = data.bytes(kUv) + 2 * i;
     const int y = i / pairs;
     const int x = i % pairs;
-    const Pair restored = plain_chroma(
+    const PlainPair restored = plain_chroma(
         {pair[0], pair[1]}, {upsampled(kU, 8).at(y, x), upsampled(kV, 8).at(y, x)}, tuning);
     pair[0] = restored.first;
     pair[1] = restored.second;
@@ -267,7 +231,7 @@ void run_restore_planar_half(KernelData& data, KernelStrip strip) {
 void plain_restore_planar_half(KernelData& data, KernelStrip strip) {
   restore_luma_plainly(data, strip, data.bytes(kY));
   const int pairs = data.size.width / 2;
-  restore_chroma_plainly(data, strip, [&](int i, Pair pair) {
+  restore_chroma_plainly(data, strip, [&](int i, PlainPair pair) {
     const int at = i / pairs * half_pitch(data) + i % pairs;
     data.halves(kHalfU)[at] = pair.first;
     data.halves(kHalfV)[at] = pair.second;
