@@ -11,6 +11,7 @@
 #include "tools/did_you_mean.h"
 #include "tools/files/doomed_path.h"
 #include "tools/files/failure.h"
+#include "tools/files/standard_streams.h"
 #include "tools/verbs/verbs.h"
 
 #ifndef VOREL_VERSION
@@ -94,6 +95,7 @@ int flush_output(int status) {
 }  // namespace
 
 int run_command(int argc, char** argv) {
+  hold_standard_streams();
   install_signal_handlers();
   CLI::App app(kMainDescription, "vorel");
   app.formatter(std::make_shared<HelpFormatter>());

@@ -138,6 +138,17 @@ TEST_F(Command, WriteThatFailsHalfWayLeavesNothing) {
   EXPECT_EQ(read_text(directory / "out_64x48.nv21"), "old");
 }
 
+// A file would get the number of the closed stream, and the library's log lines with it.
+TEST_F(Command, ClosedStreamsDoNotPrintIntoFiles) {
+  if (command_path().empty()) GTEST_SKIP() << "the shell starts no emulator";
+  const std::string trace = directory / "trace.json";
+  const std::string line = command_path() + " denoise " + raw + " -n 3200 --log info -o " +
+                           (directory / "out_64x48.nv21") + " --trace " + trace;
+  EXPECT_EQ(WEXITSTATUS(std::system((line + " <&- >&- 2>&-").c_str())), 3) << "no summary";
+  EXPECT_EQ(WEXITSTATUS(std::system((line + " --force >/dev/null 2>&-").c_str())), 0);
+  EXPECT_THAT(read_text(trace), testing::StartsWith("{\"displayTimeUnit\""));
+}
+
 TEST_F(Command, DenoiseRunsTheRealLibraryAndSaysWhatItDid) {
   ASSERT_EQ(run_vorel({"noise", picture, "-o", directory / "noisy.png", "-g", "32"}).status, 0);
   const CommandResult run = run_vorel({"denoise", directory / "noisy.png", "-o", out, "--truth",
