@@ -12,6 +12,7 @@
 #include <cstdint>
 
 #include "platform/numeric.h"
+#include "platform/wraps.h"
 #include "vorel/tuning.h"
 
 // Bytes that a row is worked on at a time; every block buffer stays in the first-level cache.
@@ -87,7 +88,8 @@ inline int32_t chroma_weight(int32_t saturation, int32_t distance, int32_t lower
 }
 
 // The mean for any total. The sum is at most 32768 in size, so the quotient fits 32 bits.
-inline int32_t wide_mean(int32_t weight, uint8_t input, uint8_t filtered, int32_t total) {
+VOREL_WRAPS inline int32_t wide_mean(int32_t weight, uint8_t input, uint8_t filtered,
+                                     int32_t total) {
   const uint32_t rest = static_cast<uint32_t>(total) - static_cast<uint32_t>(weight);
   const uint32_t sum = static_cast<uint32_t>(weight) * input + rest * filtered;
   const float signed_sum = static_cast<float>(static_cast<int16_t>(sum));

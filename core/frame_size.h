@@ -4,8 +4,10 @@
 
 #include <cstdint>
 
+#include "platform/wraps.h"
+
 // `size` rounded up and down to a multiple of 16; above 2^31 - 16 rounding up wraps.
-constexpr int32_t align_up_16(int32_t size) {
+VOREL_WRAPS constexpr int32_t align_up_16(int32_t size) {
   return static_cast<int32_t>((static_cast<uint32_t>(size) + 15u) & ~15u);
 }
 constexpr int32_t align_down_16(int32_t size) {

@@ -7,6 +7,7 @@
 #include "platform/byte_lanes.h"
 #include "platform/numeric.h"
 #include "platform/vectorize.h"
+#include "platform/wraps.h"
 
 namespace {
 
@@ -75,9 +76,11 @@ void add_table(const tile_workspace& work, const weight_table& table, uint8_t la
 }
 
 // The tuning is a copy, so that the sums' stores cannot reach it.
-void add_polynomial_tap(const uint8_t* __restrict centre, const uint8_t* __restrict neighbour,
-                        bilateralfiltering_tuning tuning, uint32_t spatial_weight,
-                        uint32_t* __restrict weight_sums, uint32_t* __restrict value_sums) {
+VOREL_WRAPS void add_polynomial_tap(const uint8_t* __restrict centre,
+                                    const uint8_t* __restrict neighbour,
+                                    bilateralfiltering_tuning tuning, uint32_t spatial_weight,
+                                    uint32_t* __restrict weight_sums,
+                                    uint32_t* __restrict value_sums) {
   VOREL_VECTORIZE
   for (int32_t x = 0; x < kLanes; ++x) {
     const int32_t difference = std::abs(centre[x] - neighbour[x]);

@@ -5,11 +5,13 @@
 #include <cstdint>
 
 #include "platform/vectorize.h"
+#include "platform/wraps.h"
 #include "vorel/tuning.h"
 
 // Weight of an absolute difference from the polynomial in min(difference, val_delta_th). Sums and
 // products wrap in 32 bits, so any coefficients are legal.
-inline int32_t polynomial_weight(const bilateralfiltering_tuning& tuning, int32_t difference) {
+VOREL_WRAPS inline int32_t polynomial_weight(const bilateralfiltering_tuning& tuning,
+                                             int32_t difference) {
   const int32_t clamped = difference < tuning.val_delta_th ? difference : tuning.val_delta_th;
   const uint32_t x = static_cast<uint32_t>(clamped);
   uint32_t value = static_cast<uint32_t>(tuning.val_weight_coef[4]);

@@ -1,11 +1,13 @@
 #include "vorel/tiles.h"
 
+#include "platform/wraps.h"
+
 namespace {
 
 int32_t wrap(uint32_t value) { return static_cast<int32_t>(value); }
 
 template <typename Tile>
-Tile* cut(Tile* tiles, int count, int start, int end) {
+VOREL_WRAPS Tile* cut(Tile* tiles, int count, int start, int end) {
   if (count < 1) return tiles;
   const uint32_t first = static_cast<uint32_t>(start);
   const uint32_t step = static_cast<uint32_t>(wrap(static_cast<uint32_t>(end) - first) / count);

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "platform/numeric.h"
+#include "platform/wraps.h"
 #include "tuning/keys.h"
 #include "tuning/tuning.h"
 
@@ -24,7 +25,7 @@ position locate(const cnr_tuning* tuning, int noise_index) {
 }
 
 // Two roundings, one for the product and one for the sum. The difference wraps in 32 bits.
-int32_t interpolate(int32_t lower, int32_t upper, double fraction) {
+VOREL_WRAPS int32_t interpolate(int32_t lower, int32_t upper, double fraction) {
   const int32_t difference =
       static_cast<int32_t>(static_cast<uint32_t>(upper) - static_cast<uint32_t>(lower));
   const double step = fraction * difference;

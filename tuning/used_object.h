@@ -6,6 +6,8 @@
 
 #include <cstddef>
 
+#include "platform/wraps.h"
+
 // Position of the first element that is no object; the array's size when all are.
 [[nodiscard]] inline size_t first_non_object(const json_t* array) {
   const size_t count = json_array_size(array);
@@ -15,7 +17,7 @@
 }
 
 // Position of the object that counts; no element has it in an empty array.
-[[nodiscard]] inline size_t used_position(const json_t* array) {
+[[nodiscard]] VOREL_WRAPS inline size_t used_position(const json_t* array) {
   return json_array_size(array) - 1;
 }
 
