@@ -13,6 +13,7 @@ endif()
 
 option(VOREL_WERROR "Treat warnings as errors" ON)
 set(VOREL_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
+set(VOREL_SANITIZE_IGNORELIST "" CACHE FILEPATH "What they leave out, as for -fsanitize-ignorelist=")
 
 add_compile_options(-ffp-contract=off -Wall -Wextra -Wshadow -Wformat=2 -Wcast-qual)
 if(VOREL_WERROR)
@@ -34,6 +35,9 @@ endif()
 if(VOREL_SANITIZE)
   add_compile_options(-fsanitize=${VOREL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${VOREL_SANITIZE})
+  if(VOREL_SANITIZE_IGNORELIST)
+    add_compile_options(-fsanitize-ignorelist=${VOREL_SANITIZE_IGNORELIST})
+  endif()
   # Instrumented loops do not vectorise.
   add_compile_options(-Wno-pass-failed)
 endif()

@@ -116,7 +116,7 @@ void run_bilateral_stored(KernelData& data, KernelStrip) {
 
 void plain_bilateral_stored(KernelData& data, KernelStrip) {
   const Parameters p = stored_parameters(data.variant);
-  plain_form(data, p).filter(p.tuning, stored_weight, false);
+  plain_form(data, p).filter(p.tuning, plain_stored_weight, false);
 }
 
 void make_bilateral_interior(KernelData& data) { make_bilateral(data); }
@@ -134,6 +134,6 @@ void run_bilateral_interior(KernelData& data, KernelStrip) {
 
 void plain_bilateral_interior(KernelData& data, KernelStrip) {
   const Parameters p = interior_parameters(data.variant);
-  plain_form(data, p).filter(p.tuning, data.size.width % 2 == 0 ? polynomial_weight : stored_weight,
-                             true);
+  plain_form(data, p).filter(
+      p.tuning, data.size.width % 2 == 0 ? plain_polynomial_weight : plain_stored_weight, true);
 }

@@ -9,7 +9,7 @@
 #include "vorel/tuning.h"
 
 // Powers instead of nested products, 64 bits instead of 32.
-inline int32_t polynomial_weight(const bilateralfiltering_tuning& t, int difference) {
+inline int32_t plain_polynomial_weight(const bilateralfiltering_tuning& t, int difference) {
   const int64_t x = std::min(difference, t.val_delta_th);
   uint64_t sum = 0;
   uint64_t power = 1;
@@ -22,7 +22,7 @@ inline int32_t polynomial_weight(const bilateralfiltering_tuning& t, int differe
   return static_cast<int32_t>((value - ((value % divisor) + divisor) % divisor) / divisor);
 }
 
-inline int32_t stored_weight(const bilateralfiltering_tuning& t, int difference) {
+inline int32_t plain_stored_weight(const bilateralfiltering_tuning& t, int difference) {
   const int index = std::min(difference, t.val_delta_th);
   return index < 0 || index > 15 ? 0 : t.val_weight[index] & 0xFF;
 }
@@ -50,7 +50,8 @@ struct PlainBilateral {
 
   // As a frame's planes are filtered.
   void filter(const bilateralfiltering_tuning& tuning) const {
-    filter(tuning, tuning.val_delta_th >= 16 ? stored_weight : polynomial_weight, false);
+    filter(tuning, tuning.val_delta_th >= 16 ? plain_stored_weight : plain_polynomial_weight,
+           false);
   }
 
  private:

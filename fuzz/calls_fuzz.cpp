@@ -1,0 +1,231 @@
+// Calls in any order: two handles made either way, frames through either call, refused ones and
+// packed ones among them, buffers released, handles closed and made again; a thread pool beside
+// them. After a packed frame a handle's slot stays taken, so only calls that never wait follow.
+#include <android/log.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <string>
+
+#include "fuzz/frame_input.h"
+#include "vorel/thread_pool.h"
+#include "vorel/tiles.h"
+#include "vorel/trace.h"
+#include "vorel/vorel.h"
+
+namespace {
+
+constexpr int kLargestWidth = 64;
+constexpr int kLargestHeight = 70;
+constexpr int kMostCalls = 12;
+
+struct Slot {
+  vorel* handle = nullptr;
+  bool taken = false;  // for good
+};
+
+class Calls {
+ public:
+  explicit Calls(FuzzedDataProvider& input) : input_(input) {}
+  ~Calls() {
+    for (Slot& slot : slots_) close(slot);
+    pool_.deinit();
+  }
+  Calls(const Calls&) = delete;
+  Calls& operator=(const Calls&) = delete;
+
+  void make_one() {
+    Slot& slot = slots_[input_.ConsumeBool() ? 1 : 0];
+    switch (input_.ConsumeIntegralInRange(0, 10)) {
+      case 0:
+        return init(slot);
+      case 1:
+        return open(slot);
+      case 2:
+      case 3:
+        return run(slot);
+      case 4:
+      case 5:
+        return denoise(slot);
+      case 6:
+        if (!slot.taken) vorel_release_frame_buffers(slot.handle);
+        return;
+      case 7:
+        return ask(slot);
+      case 8:
+        return close(slot);
+      case 9:
+        return use_pool();
+      default:
+        return refuse(slot);
+    }
+  }
+
+ private:
+  int any_width() { return input_.ConsumeIntegralInRange(-1, kLargestWidth); }
+  int any_height() { return input_.ConsumeIntegralInRange(-1, kLargestHeight); }
+
+  void close(Slot& slot) {
+    const int expected = slot.handle != nullptr ? 0 : -1;
+    if (vorel_deinit(slot.handle) != expected) std::abort();
+    slot = {};
+  }
+
+  void init(Slot& slot) {
+    close(slot);
+    const int width = input_.ConsumeBool() ? 16 * input_.ConsumeIntegralInRange(1, 4) : any_width();
+    slot.handle = vorel_init(width, any_height(), input_.ConsumeBool() ? 1 : 0,
+                             input_.ConsumeIntegralInRange<unsigned>(0, 140));
+  }
+
+  void open(Slot& slot) {
+    close(slot);
+    const std::string text = input_.ConsumeRandomLengthString(80);
+    const std::string name = input_.ConsumeRandomLengthString(10);
+    vorel_options options = vorel_default_options(any_width(), any_height());
+    options.nice = any_int(input_, 0, 19);
+    options.workers = any_int(input_, 1, 6);
+    if (input_.ConsumeBool()) {
+      options.tuning_text = text.data();
+      options.tuning_text_bytes = text.size();
+    }
+    if (input_.ConsumeIntegralInRange(0, 7) == 0) {
+      options.size = input_.ConsumeIntegral<uint8_t>();
+      options.scenario = any_int(input_, 0, 1);
+      options.sensor_id = input_.ConsumeIntegral<uint32_t>();
+      options.cpu_mask = input_.ConsumeIntegral<uint32_t>();
+      options.thread_name = input_.ConsumeBool() ? name.c_str() : nullptr;
+      options.tuning_path = input_.ConsumeBool() ? "/dev/null" : nullptr;
+      options.disable_spatial = input_.ConsumeBool();
+      options.disable_wavelet = input_.ConsumeBool();
+    }
+    vorel_status status = VOREL_DONE;
+    slot.handle = vorel_open(&options, &status);
+    if ((status == VOREL_DONE) != (slot.handle != nullptr)) std::abort();
+  }
+
+  FuzzFrame frame(int gap) {
+    const int width =
+        input_.ConsumeBool() ? 16 * input_.ConsumeIntegralInRange(1, 4) : std::abs(any_width());
+    const int height = std::abs(any_height());
+    const int pairs = (width + 1) / 2 * 2;
+    return FuzzFrame(input_, width, height, width + gap, pairs + gap, (height + 1) / 2,
+                     input_.ConsumeIntegralInRange<int32_t>(0, 1));
+  }
+
+  // Packed frames hold two bytes a pixel; none is read, but the planes have them.
+  void run(Slot& slot) {
+    if (slot.taken) return;
+    constexpr int kFormats[] = {VOREL_FMT_NV21,
+                                VOREL_FMT_NM21,
+                                VOREL_FMT_NV21,
+                                VOREL_FMT_NM21,
+                                VOREL_FMT_YUYV,
+                                VOREL_FMT_YUY2,
+                                0};
+    const int format = input_.PickValueInArray(kFormats);
+    FuzzFrame plain = frame(0);
+    const vorel_frame record = plain.record(any_int(input_, 0, 5000));
+    void* result = vorel_run(slot.handle, record.luma, record.chroma, record.width, record.height,
+                             format, record.noise_index);
+    const bool known = format == VOREL_FMT_NV21 || format == VOREL_FMT_NM21;
+    slot.taken = !known && result != slot.handle;
+  }
+
+  void denoise(Slot& slot) {
+    FuzzFrame given = frame(input_.ConsumeIntegralInRange(-1, 9));
+    const vorel_frame record = given.record(any_int(input_, 0, 5000));
+    vorel_frame_info info{};
+    info.size = sizeof(info);
+    const vorel_status status = vorel_denoise_frame(slot.handle, &record, &info);
+    if (info.status != status || (slot.handle == nullptr) != (status == VOREL_BAD_HANDLE)) {
+      std::abort();
+    }
+  }
+
+  // Records that no frame can be made of.
+  void refuse(Slot& slot) {
+    vorel_frame record{sizeof(vorel_frame), nullptr, nullptr, 16, 16, 16, 2, 0, 10000};
+    if (input_.ConsumeBool()) record.size = input_.ConsumeIntegral<uint8_t>();
+    const vorel_frame* given = input_.ConsumeBool() ? &record : nullptr;
+    if (vorel_denoise_frame(slot.handle, given, nullptr) >= 0) std::abort();
+    if (!slot.taken &&
+        vorel_run(slot.handle, nullptr, nullptr, 16, 2, VOREL_FMT_NV21, 10000) != slot.handle) {
+      std::abort();
+    }
+  }
+
+  void ask(Slot& slot) {
+    vorel_handle_info info{};
+    info.size = input_.ConsumeBool() ? sizeof(info) : 1;
+    const vorel_status status = vorel_get_handle_info(slot.handle, &info);
+    if (status == VOREL_DONE && (info.level_count < 0 || info.level_count > 12)) std::abort();
+    if (vorel_status_text(static_cast<vorel_status>(input_.ConsumeIntegralInRange(-13, 4))) ==
+        nullptr) {
+      std::abort();
+    }
+    TilePosHorz tiles[8];
+    calcTilePosHorz(tiles, input_.ConsumeIntegralInRange(-1, 8), input_.ConsumeIntegral<int>(),
+                    input_.ConsumeIntegral<int>());
+    TilePosVert strips[8];
+    calcTilePosVert(strips, input_.ConsumeIntegralInRange(-1, 8), input_.ConsumeIntegral<int>(),
+                    input_.ConsumeIntegral<int>());
+  }
+
+  static void* count(void* counter) {
+    static_cast<std::atomic<int>*>(counter)->fetch_add(1);
+    return nullptr;
+  }
+
+  // Jobs that were queued have run when `wait` returns; without workers it would not return.
+  void use_pool() {
+    int asked = 0;
+    switch (input_.ConsumeIntegralInRange(0, 4)) {
+      case 0:
+        asked = input_.ConsumeIntegralInRange(-1, 3);
+        workers_ = std::max(asked, 0);
+        if (pool_.init(asked, input_.ConsumeBool() ? 0xFF : input_.ConsumeIntegral<int>(), 1) !=
+            0) {
+          std::abort();
+        }
+        expected_ = ran_;
+        return;
+      case 1:
+        if (pool_.addWork(count, &ran_) == 0) ++expected_;
+        return;
+      case 2:
+        if (workers_ == 0) return;
+        if (pool_.wait() == 0 && ran_ != expected_) std::abort();
+        return;
+      case 3:
+        static_cast<void>(pool_.num_threads_working());
+        return;
+      default:
+        pool_.deinit();
+        workers_ = -1;
+        expected_ = ran_;
+    }
+  }
+
+  FuzzedDataProvider& input_;
+  Slot slots_[2];
+  ThreadPool pool_;
+  int workers_ = -1;  // none was asked for
+  std::atomic<int> ran_{0};
+  int expected_ = 0;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  __android_log_set_minimum_priority(ANDROID_LOG_FATAL);
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  FuzzedDataProvider input(data, size);
+  Calls calls(input);
+  for (int i = 0; i < kMostCalls && input.remaining_bytes() > 0; ++i) calls.make_one();
+  return 0;
+}

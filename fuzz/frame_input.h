@@ -1,0 +1,50 @@
+// Frames and tunings made of a fuzzer's bytes.
+#ifndef VOREL_FUZZ_FRAME_INPUT_H_
+#define VOREL_FUZZ_FRAME_INPUT_H_
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <cstdint>
+
+#include "tests/support/guarded_plane.h"
+#include "vorel/frame.h"
+#include "vorel/tuning.h"
+
+// Small values of a field are the likely ones; the others must do no harm either.
+int32_t any_int(FuzzedDataProvider& input, int32_t low, int32_t high);
+float any_float(FuzzedDataProvider& input);
+
+// Half spans of the window; the work of a frame grows with their product.
+inline constexpr int kLargestSpan = 6;
+
+// What a tuning file can set, and the tap count, which only memory can. Any value in any field, but
+// for spans, which stay small.
+void fill_tuning(FuzzedDataProvider& input, cnr_tuning& tuning);
+
+// A frame whose planes end, or start, at unreadable pages, with exactly the bytes that its record
+// speaks of. Sizes, strides and layout as they are given, legal or not.
+class FuzzFrame {
+ public:
+  FuzzFrame(FuzzedDataProvider& input, int width, int height, int luma_stride, int chroma_stride,
+            int chroma_rows, int32_t layout);
+
+  vorel_frame record(int32_t noise_index) {
+    return {sizeof(vorel_frame), luma_.data(), chroma_.data(), luma_stride_,
+            chroma_stride_,      width_,       height_,        layout_,
+            noise_index};
+  }
+  GuardedBytes& luma() { return luma_; }
+  GuardedBytes& chroma() { return chroma_; }
+
+ private:
+  int width_;
+  int height_;
+  int luma_stride_;
+  int chroma_stride_;
+  int32_t layout_;
+  GuardedBytes::Guard guard_;
+  GuardedBytes luma_;
+  GuardedBytes chroma_;
+};
+
+#endif  // VOREL_FUZZ_FRAME_INPUT_H_

@@ -1,0 +1,89 @@
+#include "fuzz/picture_check.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "tools/pictures/colour.h"
+#include "tools/pictures/exif_iso.h"
+#include "tools/pictures/picture_io.h"
+#include "tools/pictures/picture_size.h"
+#include "tools/pictures/png_file.h"
+
+namespace {
+
+constexpr int64_t kMostPixels = 1 << 16;
+
+// A folder in memory with one file at a time.
+class InputFolder {
+ public:
+  InputFolder() {
+    if (mkdtemp(folder_) == nullptr) std::abort();
+  }
+  ~InputFolder() {
+    unlink(path_.c_str());
+    rmdir(folder_);
+  }
+  InputFolder(const InputFolder&) = delete;
+  InputFolder& operator=(const InputFolder&) = delete;
+
+  const std::string& write(const std::string& name, const uint8_t* data, size_t size) {
+    const std::string path = std::string(folder_) + "/" + name;
+    if (path != path_) unlink(path_.c_str());
+    path_ = path;
+    const int file = open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (file < 0 || ::write(file, data, size) != static_cast<ssize_t>(size)) std::abort();
+    close(file);
+    return path_;
+  }
+
+ private:
+  char folder_[32] = "/dev/shm/vorel_fuzz_XXXXXX";
+  std::string path_;
+};
+
+void check_jpeg(const tool::Picture& picture) {
+  tool::Nv21Frame frame = tool::as_nv21(picture, {});
+  // The original is an odd file when it cannot be written again.
+  may_refuse([&] {
+    try {
+      static_cast<void>(tool::rewrite_jpeg(picture.origin->bytes, frame));
+      for (uint8_t& sample : frame.data) sample = static_cast<uint8_t>(sample / 2 + 30);
+      static_cast<void>(tool::rewrite_jpeg(picture.origin->bytes, frame));
+    } catch (const tool::Failure& failure) {
+      if (failure.status() != tool::kFailed) throw;
+    }
+  });
+}
+
+void check_picture(const tool::Picture& picture) {
+  const tool::Size size = picture.size();
+  if (!tool::is_legal_size(size.width, size.height)) std::abort();
+  static_cast<void>(tool::as_nv21(picture, {}));
+  static_cast<void>(tool::exif_iso(picture.metadata.exif));
+  const tool::RgbImage image = tool::as_rgb(picture);
+  const tool::Picture again = tool::decode_png("again", tool::encode_png(image, picture.metadata));
+  if (std::get<tool::RgbImage>(again.pixels).pixels != image.pixels) std::abort();
+  if (picture.origin && picture.origin->kind == tool::FileKind::kJpeg) check_jpeg(picture);
+}
+
+}  // namespace
+
+std::string write_input(std::string name, const uint8_t* data, size_t size) {
+  static InputFolder folder;
+  std::replace_if(name.begin(), name.end(), [](char c) { return c == '/' || c == '\0'; }, '.');
+  return folder.write(name, data, size);
+}
+
+void read_pictures(const std::string& path, const tool::ReadOptions& options) {
+  const std::optional<tool::Size> size = tool::size_of_file(path, options);
+  if (size && int64_t{size->width} * size->height > kMostPixels) return;
+  may_refuse([&] {
+    const auto input = tool::PictureInput::open(path, options);
+    static_cast<void>(input->expected_frames());
+    while (const std::optional<tool::Picture> picture = input->next()) check_picture(*picture);
+  });
+}
