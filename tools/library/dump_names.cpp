@@ -15,33 +15,39 @@ struct DumpKind {
   std::string_view prefix;  // '?' stands for U or V, '#' for a digit
   DumpContent content;
   const char* text;
+  int scale;
+  int border = 0;
+  DumpStage stage = DumpStage::kBetween;
 };
 
 // In processing order. U is the first byte of each chroma pair and V the second, which for NV21 are
 // V and U in colour terms.
 constexpr DumpKind kKinds[] = {
-    {"input_", DumpContent::kFrame, "the frame as it came in"},
-    {"d_?_", DumpContent::kPlane, "chroma, one sample per 16 x 16 pixels"},
-    {"Y_", DumpContent::kPlane, "luma as it came in"},
-    {"d_Y_low_", DumpContent::kPlane, "smooth luma, one sample per 16 x 16 pixels"},
-    {"Y_high_", DumpContent::kPlane, "luma detail: luma less its smooth part, plus 128"},
-    {"f_Y_low_", DumpContent::kPlane, "smooth luma after the bilateral filter"},
-    {"f_?_", DumpContent::kPlane, "chroma after the bilateral filter"},
-    {"u_Y_low_", DumpContent::kPlane, "filtered smooth luma, back at full size"},
-    {"u_?_", DumpContent::kPlane, "filtered chroma, back at chroma size"},
-    {"VOREL_UV_", DumpContent::kPairs, "interleaved chroma as the wavelet stage reads it"},
-    {"p_?_", DumpContent::kPlane, "chroma with its border, before the wavelet transform"},
-    {"fW_0_?_", DumpContent::kLow, "wavelet low band of level 2"},
-    {"fW_1_?_", DumpContent::kDetail, "wavelet detail of level 2"},
-    {"fW_2_?_", DumpContent::kDetail, "wavelet detail of level 2"},
-    {"fW_3_?_", DumpContent::kDetail, "wavelet detail of level 2"},
-    {"fW_4_?_", DumpContent::kDetail, "wavelet detail of level 1"},
-    {"fW_5_?_", DumpContent::kDetail, "wavelet detail of level 1"},
-    {"fW_6_?_", DumpContent::kDetail, "wavelet detail of level 1"},
-    {"dH_?_", DumpContent::kLow, "wavelet low band of level 2 after denoising"},
-    {"dS_?_", DumpContent::kPlane, "chroma after the wavelet path, before saturation"},
-    {"MFD_UV_", DumpContent::kPairs, "interleaved chroma after the wavelet stage"},
-    {"output_", DumpContent::kFrame, "the frame as it went out"},
+    {"input_", DumpContent::kFrame, "the frame as it came in", 1, 0, DumpStage::kInput},
+    {"d_?_", DumpContent::kPlane, "chroma, one sample per 16 x 16 pixels", 16},
+    {"Y_", DumpContent::kPlane, "luma as it came in", 1},
+    {"d_Y_low_", DumpContent::kPlane, "smooth luma, one sample per 16 x 16 pixels", 16},
+    {"Y_high_", DumpContent::kPlane, "luma detail: luma less its smooth part, plus 128", 1},
+    {"f_Y_low_", DumpContent::kPlane, "smooth luma after the bilateral filter", 16},
+    {"f_?_", DumpContent::kPlane, "chroma after the bilateral filter", 16},
+    {"u_Y_low_", DumpContent::kPlane, "filtered smooth luma, back at full size", 1},
+    {"u_?_", DumpContent::kPlane, "filtered chroma, back at chroma size", 2},
+    {"VOREL_UV_", DumpContent::kPairs, "interleaved chroma as the wavelet stage reads it", 2},
+    {"p_?_", DumpContent::kPlane, "chroma with its border, before the wavelet transform", 2, 32,
+     DumpStage::kSpatial},
+    {"fW_0_?_", DumpContent::kLow, "wavelet low band of level 2", 8, 8},
+    {"fW_1_?_", DumpContent::kDetail, "wavelet detail of level 2 along rows", 8, 8},
+    {"fW_2_?_", DumpContent::kDetail, "wavelet detail of level 2 along columns", 8, 8},
+    {"fW_3_?_", DumpContent::kDetail, "wavelet detail of level 2 along both", 8, 8},
+    {"fW_4_?_", DumpContent::kDetail, "wavelet detail of level 1 along columns", 4, 16},
+    {"fW_5_?_", DumpContent::kDetail, "wavelet detail of level 1 along rows", 4, 16},
+    {"fW_6_?_", DumpContent::kDetail, "wavelet detail of level 1 along both", 4, 16},
+    {"dH_?_", DumpContent::kLow, "wavelet low band of level 2 after denoising", 8, 8},
+    {"dS_?_", DumpContent::kPlane, "chroma after the wavelet path, before saturation", 2, 32,
+     DumpStage::kWavelet},
+    {"MFD_UV_", DumpContent::kPairs, "interleaved chroma after the wavelet stage", 2, 0,
+     DumpStage::kSaturation},
+    {"output_", DumpContent::kFrame, "the frame as it went out", 1, 0, DumpStage::kOutput},
 };
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
@@ -119,10 +125,19 @@ std::optional<DumpFile> parse_dump_name(const std::string& name, uint64_t bytes)
   file.name = name;
   file.order = static_cast<int>(kind - kKinds);
   file.content = kind->content;
+  file.stage = kind->stage;
+  const bool has_luma = kind->content == DumpContent::kPlane;
+  file.component = plane == 'U'   ? DumpComponent::kFirst
+                   : plane == 'V' ? DumpComponent::kSecond
+                   : has_luma     ? DumpComponent::kLuma
+                                  : DumpComponent::kAll;
+  file.scale = kind->scale;
+  file.border = cropped ? 0 : kind->border;
   file.size = {width, height};
   file.bytes = bytes;
   file.cropped = cropped;
   file.layout = layout_of(extension, file.size, bytes);
+  file.step = kind->text;
   file.explanation = kind->text;
   if (plane != 0) {
     file.explanation += plane == 'U' ? ", first of each pair" : ", second of each pair";

@@ -22,16 +22,27 @@ enum class DumpContent {
 
 enum class DumpLayout { kNv21, kYuyv, kBytes, kHalfFloats, kDamaged };
 
+// What a plane's samples are of; the chroma planes by their byte in a pair, V and U in NV21.
+enum class DumpComponent { kLuma, kFirst, kSecond, kAll };
+
+// What made the samples of the frame what they are, in order. Other dumps are steps between.
+enum class DumpStage { kInput, kSpatial, kWavelet, kSaturation, kOutput, kBetween };
+
 struct DumpFile {
   std::string path;
   std::string name;
   int order;  // place in the frame's way through the library
   DumpContent content;
+  DumpStage stage;
+  DumpComponent component;
   DumpLayout layout;
   Size size;
+  int scale;   // frame pixels to a sample, in each direction
+  int border;  // samples before the first that is of the frame
   bool cropped;
   uint64_t bytes;
-  std::string explanation;
+  std::string step;         // what the library had done
+  std::string explanation;  // the same, and of which plane and frame
 
   // The name with its size spelled 1920x1080, which viewers of raw pictures understand.
   std::string viewer_name;

@@ -56,6 +56,12 @@ Nv21Frame chroma_on_grey(Size plane, const std::vector<uint8_t>& bytes) {
   return frame;
 }
 
+// Frames and interleaved chroma are shown in colour.
+bool is_grey(const DumpFile& file) {
+  return file.content != DumpContent::kFrame &&
+         (file.content != DumpContent::kPairs || file.layout != DumpLayout::kBytes);
+}
+
 }  // namespace
 
 float half_value(uint16_t bits) {
@@ -83,14 +89,19 @@ Nv21Frame read_dump_frame(const DumpFile& file) {
   return nv21_from_planes(file.size.width, file.size.height, y.data(), u.data(), v.data());
 }
 
-std::vector<uint8_t> dump_png(const DumpFile& file) {
-  if (file.content == DumpContent::kFrame)
-    return encode_png(nv21_to_rgb(read_dump_frame(file)), {});
+RgbImage dump_image(const DumpFile& file) {
+  if (file.content == DumpContent::kFrame) return nv21_to_rgb(read_dump_frame(file));
   const std::vector<uint8_t> bytes = read_file(file.path, kMaxFrameBytes);
-  if (file.content == DumpContent::kPairs && file.layout == DumpLayout::kBytes) {
-    return encode_png(nv21_to_rgb(chroma_on_grey(file.size, bytes)), {});
-  }
-  return encode_grey_png(grey_samples(file, bytes), file.size);
+  if (!is_grey(file)) return nv21_to_rgb(chroma_on_grey(file.size, bytes));
+  const std::vector<uint8_t> samples = grey_samples(file, bytes);
+  RgbImage image(file.size.width, file.size.height);
+  for (size_t i = 0; i < image.pixels.size(); ++i) image.pixels[i] = samples[i / 3];
+  return image;
+}
+
+std::vector<uint8_t> dump_png(const DumpFile& file) {
+  if (!is_grey(file)) return encode_png(dump_image(file), {});
+  return encode_grey_png(grey_samples(file, read_file(file.path, kMaxFrameBytes)), file.size);
 }
 
 }  // namespace tool

@@ -13,6 +13,9 @@ namespace tool {
 // The frame in a dump whose content is a frame.
 [[nodiscard]] Nv21Frame read_dump_frame(const DumpFile& file);
 
+// Any dump that is not damaged as a picture in colour, shown as below.
+[[nodiscard]] RgbImage dump_image(const DumpFile& file);
+
 // Any dump that is not damaged, as a PNG file: frames in colour, interleaved chroma as colour on
 // mid grey, planes in grey. Wavelet low bands are divided by 4; details are shown 8 times as strong
 // around mid grey. Samples that are no number are black in planes, mid grey in details.

@@ -7,9 +7,15 @@
 #include "tools/files/atomic_file.h"
 #include "tools/files/failure.h"
 #include "tools/files/file_bytes.h"
+#include "tools/files/input_file.h"
+#include "tools/files/printable.h"
 #include "tools/library/dump_names.h"
 #include "tools/library/dump_picture.h"
+#include "tools/library/dump_trace.h"
+#include "tools/pictures/picture_io.h"
 #include "tools/pictures/y4m_file.h"
+#include "tools/verbs/dump_montage.h"
+#include "tools/verbs/dump_report.h"
 
 namespace tool {
 namespace {
@@ -81,6 +87,27 @@ class Converter {
   int written_ = 0;
 };
 
+void convert(const DumpOptions& options, const std::vector<DumpFile>& files) {
+  Converter converter(options, *options.output);
+  for (const DumpFile& file : files) {
+    if (file.layout == DumpLayout::kDamaged) {
+      warn(file.path + ": left out, " + std::to_string(file.bytes) +
+           " bytes do not fit the size in its name");
+      continue;
+    }
+    converter.convert(file);
+  }
+  if (!options.json) {
+    std::printf("%d files written to %s\n", converter.written(), options.output->c_str());
+  }
+}
+
+std::vector<std::string> paths_of(const std::vector<DumpFile>& files) {
+  std::vector<std::string> paths;
+  for (const DumpFile& file : files) paths.push_back(file.path);
+  return paths;
+}
+
 }  // namespace
 
 void run_dump(const DumpOptions& options) {
@@ -96,18 +123,26 @@ void run_dump(const DumpOptions& options) {
                                              ? "holds no dumps of the library"
                                              : "holds no dumps itself; its folders do: " + folders);
   }
-  print_list(options.directory, files);
-  if (!converts) return;
-  Converter converter(options, *options.output);
-  for (const DumpFile& file : files) {
-    if (file.layout == DumpLayout::kDamaged) {
-      warn(file.path + ": left out, " + std::to_string(file.bytes) +
-           " bytes do not fit the size in its name");
-      continue;
-    }
-    converter.convert(file);
+  if (options.montage == kStandardStream) {
+    throw usage_error("the list goes to standard output; give the picture a file");
   }
-  std::printf("%d files written to %s\n", converter.written(), options.output->c_str());
+  if (options.montage) check_outputs({*options.montage}, paths_of(files), false);
+  const std::optional<DumpTrace> trace =
+      options.trace ? std::optional(trace_pixel(options.directory, files, *options.trace))
+                    : std::nullopt;
+  if (options.json) {
+    std::fputs(trace ? trace_json(*trace).c_str() : list_json(options.directory, files).c_str(),
+               stdout);
+  } else if (trace) {
+    std::fputs(trace_table(*trace).c_str(), stdout);
+  } else {
+    print_list(options.directory, files);
+  }
+  if (options.montage) {
+    write_montage(*options.montage, options.directory, files);
+    if (!options.json) std::printf("all planes in %s\n", printable(*options.montage).c_str());
+  }
+  if (converts) convert(options, files);
 }
 
 }  // namespace tool

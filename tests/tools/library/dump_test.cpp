@@ -6,6 +6,8 @@
 #include "tests/tools/test_pictures.h"
 #include "tools/library/dump_names.h"
 #include "tools/library/dump_picture.h"
+#include "tools/library/dump_samples.h"
+#include "tools/library/dump_trace.h"
 #include "tools/pictures/picture_io.h"
 
 namespace {
@@ -100,6 +102,64 @@ TEST(DumpPicture, HalfPrecisionPlanesAreShownInTheirScale) {
   EXPECT_THAT(shown("fW_3_U_3_2.raw"), testing::ElementsAre(136, 255, 255, 112, 128, 132));
 }
 
+TEST(DumpSamples, FiguresWorkedOutByHand) {
+  const float nan = std::nanf("");
+  const tool::SampleFigures figures = tool::figures_of({nan, 3, -1, 7, nan, 3, HUGE_VALF});
+  EXPECT_EQ(figures.least, -1);
+  EXPECT_EQ(figures.most, HUGE_VALF);
+  EXPECT_EQ(figures.mean, 3) << "of the finite ones";
+  EXPECT_EQ(figures.deviation, std::sqrt(8.0));
+  EXPECT_EQ(figures.not_numbers, 2u);
+  EXPECT_EQ(tool::figures_of({nan, nan}).not_numbers, 2u);
+}
+
+// Every sample tells its place: 16-bit patterns that count, or bytes.
+TEST(DumpTrace, TakesTheSampleThatHoldsThePixel) {
+  const TestDirectory directory;
+  const auto pattern = [](int x, int y) { return 0x4000 + (y * 89 + x) % 8192; };
+  const struct {
+    const char* name;
+    Size size;
+    bool half;
+    int x;
+    int y;
+    double scale;
+  } kPlanes[] = {
+      // Pixel 45, 27 of the frame: chroma 22, 13.
+      {"d_U_4_3.raw", {4, 3}, false, 2, 1, 1},
+      {"Y_64_48.raw", {64, 48}, false, 45, 27, 1},
+      {"u_V_32_24.raw", {32, 24}, false, 22, 13, 1},
+      {"p_U_96_88.raw", {96, 88}, true, 22 + 32, 13 + 32, 1},
+      {"fW_0_U_24_22.raw", {24, 22}, true, 22 / 4 + 8, 13 / 4 + 8, 0.25},
+      {"fW_5_V_48_44.raw", {48, 44}, true, 22 / 2 + 16, 13 / 2 + 16, 1},
+      {"dS_U_32_24_crop.raw", {32, 24}, true, 22, 13, 1},
+  };
+  write_text(directory / "input_64_48_0_800.nv21", std::string(64 * 72, 'a'));
+  for (const auto& plane : kPlanes) {
+    std::string bytes;
+    for (int y = 0; y < plane.size.height; ++y) {
+      for (int x = 0; x < plane.size.width; ++x) {
+        bytes += static_cast<char>(pattern(x, y));
+        if (plane.half) bytes += static_cast<char>(pattern(x, y) >> 8);
+      }
+    }
+    write_text(directory / plane.name, bytes);
+  }
+  const tool::DumpTrace trace =
+      tool::trace_pixel(directory.path(), tool::list_dumps(directory.path()), {45, 27});
+  ASSERT_EQ(trace.steps.size(), 1 + std::size(kPlanes));
+  for (size_t i = 0; i < std::size(kPlanes); ++i) {
+    const auto& plane = kPlanes[i];
+    const int bits = pattern(plane.x, plane.y);
+    const double value = plane.half ? tool::half_value(static_cast<uint16_t>(bits)) : bits & 255;
+    const std::string name = plane.name;
+    const size_t component = name.find("_U_") != name.npos   ? 1
+                             : name.find("_V_") != name.npos ? 2
+                                                             : 0;
+    EXPECT_EQ(trace.steps[i + 1].values[component], plane.scale * value) << plane.name;
+  }
+}
+
 TEST(DumpVerb, ListsAndConvertsWhatTheLibraryWrote) {
   const TestDirectory directory;
   save(directory / "a_64x33.nv21", patterned_frame(64, 33));
@@ -122,6 +182,37 @@ TEST(DumpVerb, ListsAndConvertsWhatTheLibraryWrote) {
   }
   EXPECT_THAT(list.out, testing::Not(HasSubstr("damaged")));
 
+  // What the stages changed adds up to the way from the input to the output.
+  const tool::Nv21Frame before = patterned_frame(64, 33);
+  const tool::Picture after = tool::read_picture(directory / "b.nv21", {.size = Size{64, 33}});
+  for (const tool::DumpPixel pixel : {tool::DumpPixel{0, 0}, {63, 32}, {17, 9}}) {
+    const tool::DumpTrace trace = tool::trace_pixel(dumps, tool::list_dumps(dumps), pixel);
+    const size_t pair = static_cast<size_t>(pixel.y / 2 * 64 + pixel.x / 2 * 2);
+    const uint8_t* out = std::get<tool::Nv21Frame>(after.pixels).vu() + pair;
+    double most = 0;
+    for (size_t i : {0, 1}) {
+      double change = 0;
+      for (const tool::TraceChange& row : trace.changes) {
+        change += row.change[i + 1].value();
+        most = std::max(most, std::fabs(row.change[i + 1].value()));
+      }
+      EXPECT_EQ(trace.steps.front().values[i + 1], before.vu()[pair + i]);
+      EXPECT_EQ(trace.steps.back().values[i + 1], out[i]);
+      EXPECT_EQ(change, out[i] - before.vu()[pair + i]);
+    }
+    EXPECT_EQ(std::fabs(trace.largest.value().change), most);
+  }
+  const CommandResult trace =
+      run_vorel({"dump", dumps, "--trace", "17,9", "--montage", directory / "sheet.png"});
+  EXPECT_EQ(trace.status, 0) << trace.err;
+  EXPECT_THAT(trace.out, testing::ContainsRegex("  wavelet path +- +[+-][0-9.]+ +[+-][0-9.]+\n"));
+  EXPECT_THAT(trace.out, HasSubstr("most changed by the "));
+  EXPECT_GT(tool::read_picture(directory / "sheet.png", {}).size().width, 1000);
+  EXPECT_THAT(run_vorel({"dump", dumps, "--trace", "17,9", "--json"}).out,
+              HasSubstr("\"largest\""));
+  EXPECT_THAT(run_vorel({"dump", dumps, "--json"}).out, HasSubstr("\"not_numbers\": "));
+  EXPECT_THAT(run_vorel({"dump", dumps, "--trace", "64,9"}).err, HasSubstr("which is 64 x 34"));
+
   const CommandResult converted =
       run_vorel({"dump", dumps, "--png", "--y4m", "--rename", "-o", directory / "pictures"});
   EXPECT_EQ(converted.status, 0) << converted.err;
@@ -143,7 +234,11 @@ TEST(DumpVerb, RefusesWhatMakesNoSense) {
   EXPECT_EQ(run_vorel({"dump", directory.path(), "--png"}).status, 1);
   EXPECT_EQ(run_vorel({"dump", directory.path(), "-o", directory / "x"}).status, 1);
   EXPECT_EQ(run_vorel({"dump", directory.path(), "--png", "-o", directory.path()}).status, 1);
+  EXPECT_EQ(run_vorel({"dump", directory.path(), "--trace", "1;2"}).status, 1);
+  EXPECT_THAT(run_vorel({"dump", directory.path(), "--trace", "1,2"}).err,
+              HasSubstr("no dump of a whole frame"));
   write_text(directory / "u_U_4_4.raw", "short");
+  EXPECT_EQ(run_vorel({"dump", directory.path(), "--montage", directory / "sheet.png"}).status, 0);
   const CommandResult run = run_vorel({"dump", directory.path(), "--png", "-o", directory / "p"});
   EXPECT_EQ(run.status, 0);
   EXPECT_THAT(run.err, HasSubstr("u_U_4_4.raw: left out"));
