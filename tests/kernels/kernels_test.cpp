@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "tests/kernels/compare.h"
 #include "tests/kernels/kernel_list.h"
 
 namespace {
@@ -11,34 +12,6 @@ namespace {
 using Guard = GuardedBytes::Guard;
 
 int round_up(int size, int step) { return (size + step - 1) / step * step; }
-
-struct Case {
-  KernelSize size;
-  int variant;
-  Pattern pattern;
-  Guard guard;
-  int strips;
-};
-
-std::string compare(const Kernel& kernel, const Case& c) {
-  KernelData actual{c.size, c.variant, c.pattern, c.guard};
-  KernelData expected{c.size, c.variant, c.pattern, c.guard};
-  kernel.make(actual);
-  kernel.make(expected);
-  for (const KernelStrip strip : cut_strips(kernel, c.size.height, c.strips)) {
-    kernel.run(actual, strip);
-    kernel.plain(expected, strip);
-  }
-  for (size_t i = 0; i < actual.planes.size(); ++i) {
-    const std::string difference = actual.planes[i].difference(expected.planes[i]);
-    if (difference.empty()) continue;
-    return std::to_string(c.size.width) + "x" + std::to_string(c.size.height) + ", variant " +
-           std::to_string(c.variant) + ", pattern " + std::to_string(static_cast<int>(c.pattern)) +
-           ", guard at the " + (c.guard == Guard::kEnd ? "end" : "start") + ", " +
-           std::to_string(c.strips) + " strips, plane " + std::to_string(i) + ": " + difference;
-  }
-  return "";
-}
 
 // Every width up to two vectors and one, then odd and real ones.
 std::vector<KernelSize> sizes_of(const Kernel& kernel) {
@@ -91,11 +64,11 @@ TEST_P(Kernels, GiveTheSameInStripsOfAnyOrder) {
   for (const int height : {1, 2, 5, 9, 17, 64, 65, 127, 360, 447}) {
     for (const int strips : {2, 5, 64}) {
       for (int variant = 0; variant < std::min(kernel.variants, 4); ++variant) {
-        const Case c{{round_up(20, kernel.width_step), round_up(height, kernel.height_step)},
-                     variant,
-                     Pattern::kRandom,
-                     Guard::kEnd,
-                     strips};
+        const KernelCase c{{round_up(20, kernel.width_step), round_up(height, kernel.height_step)},
+                           variant,
+                           Pattern::kRandom,
+                           Guard::kEnd,
+                           strips};
         ASSERT_EQ(compare(kernel, c), "");
       }
     }
