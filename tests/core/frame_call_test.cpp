@@ -142,8 +142,13 @@ TEST_F(FrameCallTest, StatusIsTrueWhateverFails) {
   ASSERT_NE(processed.bytes(), untouched.bytes());
   std::map<vorel_status, int> seen;
   int without_half_planes = 0;
-  for (auto kind : {FaultScope::Kind::kAllocation, FaultScope::Kind::kThreadCreate}) {
-    for_each_fault(kind, [&](int nth) {
+  using Kind = FaultScope::Kind;
+  using Span = FaultScope::Span;
+  // Which call of several threads is the n-th differs from run to run; all later ones fail surely.
+  for (const auto& [kind, span] : {std::pair(Kind::kAllocation, Span::kOnce),
+                                   {Kind::kAllocation, Span::kFromThere},
+                                   {Kind::kThreadCreate, Span::kOnce}}) {
+    const auto body = [&](int nth) {
       SCOPED_TRACE(nth);
       log_.clear();
       TestFrame frame(70, 64);
@@ -157,9 +162,9 @@ TEST_F(FrameCallTest, StatusIsTrueWhateverFails) {
         EXPECT_EQ(log_.count("MFD_UV, skipped: no half-precision planes"), 1);
         ++without_half_planes;
       }
-    });
+    };
+    for_each_fault(kind, body, span);
   }
-  // Which call of several threads is the n-th differs from run to run.
   EXPECT_GE(seen[VOREL_NO_THREADS], 8);      // starter, driver, six workers
   EXPECT_GE(seen[VOREL_NO_MEMORY], 12 + 1);  // init's; own planes and half planes
   EXPECT_GE(without_half_planes, 1);
