@@ -346,6 +346,12 @@ TEST_F(Command, GoodFramesOfACutVideoAreKept) {
   const std::string kept = read_text(directory / "o.y4m");
   EXPECT_EQ(kept, whole.substr(0, kept.size())) << "untouched frames, byte for byte";
   EXPECT_GT(kept.size(), whole.size() / 2);
+
+  const CommandResult noise = run_vorel({"noise", video, "-o", directory / "n.y4m"});
+  EXPECT_EQ(noise.status, 2);
+  EXPECT_THAT(noise.out, HasSubstr("64 x 48, 2 frames"));
+  EXPECT_THAT(noise.err, HasSubstr("frame 3 is cut short; what came before it is in"));
+  EXPECT_EQ(read_text(directory / "n.y4m").size(), kept.size());
 }
 
 TEST_F(Command, StandardOutputHoldsNothingButThePicture) {

@@ -20,7 +20,18 @@ void run_noise(const NoiseOptions& options) {
       FileKind::kPng;
   NoiseSettings settings{options.gain, options.seed, 0};
   Size size{};
-  while (std::optional<Picture> picture = input->next()) {
+  // Why a video gives no more frames after its first ones.
+  std::string trouble;
+  const auto next = [&]() -> std::optional<Picture> {
+    try {
+      return input->next();
+    } catch (const Failure& failure) {
+      if (settings.frame == 0 || failure.status() != kBadInput) throw;
+      trouble = failure.what();
+      return std::nullopt;
+    }
+  };
+  while (std::optional<Picture> picture = next()) {
     size = picture->size();
     const RgbImage noisy = add_camera_noise(as_rgb(*picture), settings);
     if (keeps_rgb) {
@@ -42,6 +53,11 @@ void run_noise(const NoiseOptions& options) {
                static_cast<unsigned long long>(options.seed));
   std::fprintf(out, "  noise index  %d (100 x gain; for vorel denoise --noise-index)\n",
                kNoiseIndexPerGain * options.gain);
+  if (!trouble.empty()) {
+    throw Failure(kBadInput,
+                  trouble + "; what came before it is in " +
+                      (options.output == kStandardStream ? "standard output" : options.output));
+  }
 }
 
 }  // namespace tool
