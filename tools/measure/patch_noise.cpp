@@ -91,13 +91,13 @@ PatchPlanes measure_patch(const Nv21Frame& frame, const Crop& patch) {
           measure_patch(PatchView{pair, stride, 2, chroma_width, chroma_height})};
 }
 
-void check_patch(const Crop& patch, Size size, const std::string& path) {
-  if (patch.width <= size.width - patch.x && patch.height <= size.height - patch.y &&
-      patch.width >= 2 && patch.height >= 2) {
+void check_area(const char* option, const Crop& area, Size size, const std::string& path) {
+  if (area.width <= size.width - area.x && area.height <= size.height - area.y && area.width >= 2 &&
+      area.height >= 2) {
     return;
   }
-  throw usage_error("--patch does not lie in " + path + ", which is " + size_text(size) +
-                    ", or is less than 2 x 2");
+  throw usage_error(std::string(option) + " does not lie in " + path + ", which is " +
+                    size_text(size) + ", or is less than 2 x 2");
 }
 
 }  // namespace tool

@@ -42,9 +42,9 @@ struct PatchPlanes {
 // pixels, but one at least.
 [[nodiscard]] PatchPlanes measure_patch(const Nv21Frame& frame, const Crop& patch);
 
-// Throws a usage error, which names the picture's `path`, for a patch that is less than 2 x 2 or
-// does not lie in the picture.
-void check_patch(const Crop& patch, Size size, const std::string& path);
+// Throws a usage error, which names the option and the picture's `path`, for an area that is less
+// than 2 x 2 or does not lie in the picture.
+void check_area(const char* option, const Crop& area, Size size, const std::string& path);
 
 }  // namespace tool
 

@@ -103,21 +103,32 @@ std::vector<Decoded> next_with_reference(std::vector<Source>& sources, Colour co
   return frames;
 }
 
+// An edge in any picture is upright when the reference has a step from left to right.
+NamedEdge measure_edge(const Nv21Frame& frame, const Nv21Frame& reference, const Crop& area) {
+  const bool is_vertical = edge_width(reference, area, true).has_value();
+  return {crop_text(area), edge_width(frame, area, is_vertical),
+          edge_width(reference, area, is_vertical)};
+}
+
 // Of each frame but the reference; empty when not asked for.
 std::vector<ChartFigures> measure_charts(const CompareOptions& options, const std::string& name,
                                          const std::vector<Decoded>& frames) {
   std::vector<ChartFigures> charts;
-  if (!options.chart && options.patches.empty()) return charts;
+  if (!options.chart && options.patches.empty() && options.edges.empty()) return charts;
   const Nv21Frame& reference = frames.front().frame;
-  for (const Crop& patch : options.patches) {
-    check_patch(patch, {reference.width, reference.height}, name);
-  }
+  const Size size{reference.width, reference.height};
+  for (const Crop& patch : options.patches) check_area("--patch", patch, size, name);
+  for (const Crop& edge : options.edges) check_area("--edge", edge, size, name);
   for (size_t i = 1; i < frames.size(); ++i) {
-    charts.push_back(options.chart ? chart_figures(frames[i].frame, reference) : ChartFigures{});
+    const Nv21Frame& frame = frames[i].frame;
+    ChartFigures figures = options.chart ? chart_figures(frame, reference) : ChartFigures{};
     for (const Crop& patch : options.patches) {
-      charts.back().patches.push_back(
-          {crop_text(patch), measure_colour_patch(frames[i].frame, reference, patch)});
+      figures.patches.push_back({crop_text(patch), measure_colour_patch(frame, reference, patch)});
     }
+    for (const Crop& edge : options.edges) {
+      figures.edges.push_back(measure_edge(frame, reference, edge));
+    }
+    charts.push_back(std::move(figures));
   }
   return charts;
 }

@@ -16,6 +16,7 @@ struct CompareOptions {
   std::optional<std::string> truth;
   bool chart = false;                 // the truth is the chart of `vorel chart`
   std::vector<Crop> patches;          // fields of one colour
+  std::vector<Crop> edges;            // two colours that meet in the middle
   std::optional<std::string> output;  // side by side, the truth last
   std::optional<Crop> crop;           // of the side-by-side picture
   int zoom = 1;

@@ -41,7 +41,7 @@ Measured measure(const std::string& path, const MeasureOptions& options,
   }
   measured.iso = exif_iso(picture->metadata.exif);
   if (options.patch) {
-    check_patch(*options.patch, measured.size, path);
+    check_area("--patch", *options.patch, measured.size, path);
     measured.patch = measure_patch(frame, *options.patch);
   }
   return measured;

@@ -139,6 +139,13 @@ TEST(Chart, CompareMeasuresIt) {
   EXPECT_THAT(json.out, HasSubstr("\"name\": \"40,40,20,20\""));
   EXPECT_THAT(json.out, HasSubstr("\"hue_shift\": 0.0"));
 
+  // The red and blue edges, upright and level, and no edge at all.
+  const CommandResult edges = run_vorel({"compare", chart, chart, "--edge", "1120,40,160,80",
+                                         "--edge", "1464,40,100,224", "--edge", "40,40,100,80"});
+  EXPECT_EQ(edges.status, 0) << edges.err;
+  EXPECT_THAT(edges.out, testing::ContainsRegex("1120,40,160,80 +1.6 +1.6\n +1464,40,100,224 +1.6 "
+                                                "+1.6\n +40,40,100,80 +- +-\n"));
+
   const std::string small = directory / "small.png";
   save(small, gradient_picture(64, 48));
   const struct {
@@ -149,6 +156,7 @@ TEST(Chart, CompareMeasuresIt) {
       {{"compare", small, "--chart"}, 2, "small.png: is 64 x 48, but the chart is 1600 x 1062"},
       {{"compare", chart, "--chart", "--truth", chart}, 1, "both name the truth"},
       {{"compare", small, small, "--patch", "60,40,8,8"}, 1, "small.png, which is 64 x 48"},
+      {{"compare", small, small, "--edge", "0,0,8,1"}, 1, "--edge does not lie in"},
   };
   for (const auto& refused : kRefused) {
     const CommandResult result = run_vorel(refused.arguments);
