@@ -11,14 +11,14 @@ set -euo pipefail
 build_packages=(
   clang-19 lld-19 llvm-19 cmake ninja-build make pkg-config git
   libjansson-dev android-liblog android-liblog-dev
-  libcli11-dev libyuv-dev libpng-dev libjpeg-dev libexif-dev libnlopt-dev
+  libcli11-dev libyuv-dev libpng-dev libjpeg-dev libexif-dev libnlopt-dev libjs-chart.js
   libgtest-dev libgmock-dev libbenchmark-dev
   libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
   gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good)
 
 check_packages=(
   clang-format-19 clang-tidy-19 libclang-rt-19-dev abigail-tools binutils python3-minimal python3-jsonschema
-  soong android-libcutils-dev qemu-user)
+  soong android-libcutils-dev qemu-user chromium chromium-driver)
 
 measure_packages=(python3-numpy python3-pil)
 

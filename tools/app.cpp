@@ -29,8 +29,9 @@ namespace {
 
 // In the order of the help.
 constexpr Verb (*kVerbs[])(CLI::App&) = {
-    add_denoise_verb, add_measure_verb, add_noise_verb, add_compare_verb, add_chart_verb,
-    add_tune_verb,    add_check_verb,   add_show_verb,  add_schema_verb,  add_dump_verb,
+    add_denoise_verb, add_measure_verb, add_noise_verb, add_compare_verb,
+    add_chart_verb,   add_sweep_verb,   add_tune_verb,  add_check_verb,
+    add_show_verb,    add_schema_verb,  add_dump_verb,
 };
 
 int run_verb(const std::vector<Verb>& verbs) {

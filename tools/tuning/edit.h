@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "tools/tuning/typed_key.h"
+
 namespace tool {
 
 // The tuning with the spatial path, the wavelet path or both switched off; everything else stays
@@ -11,6 +13,10 @@ namespace tool {
 // `path` when the text is no tuning.
 [[nodiscard]] std::string with_paths_off(const std::string& path, const std::string& text,
                                          bool spatial_off, bool wavelet_off);
+
+// The same with one value changed: of a table at every level, so that each frame gets just it.
+[[nodiscard]] std::string with_value(const std::string& path, const std::string& text,
+                                     const TypedKey& key, double value);
 
 }  // namespace tool
 

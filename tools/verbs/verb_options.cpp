@@ -129,6 +129,19 @@ void add_force(CLI::App& verb, bool& force) {
       "results that exist");
 }
 
+void add_crop(CLI::App& verb, std::optional<Crop>& crop, const char* description) {
+  verb.add_option_function<std::string>(
+          "--crop", [&crop](const std::string& text) { crop = parse_crop(text); }, description)
+      ->option_text("X,Y,WIDTH,HEIGHT")
+      ->check(crop_rectangle());
+}
+
+void add_page(CLI::App& verb, std::optional<std::string>& page) {
+  verb.add_option("--page", page,
+                  "write a page for a browser: pictures behind a divider, figures, curves")
+      ->option_text("FILE.html");
+}
+
 void add_read_options(CLI::App& app, ReadOptions& read) {
   static const std::map<std::string, Range> kRanges{{"full", Range::kFull},
                                                     {"limited", Range::kLimited}};

@@ -40,6 +40,8 @@ void add_tuning(CLI::App& verb, TuningRequest& request);
 void add_output(CLI::App& verb, std::string& output, const char* description = "file to write");
 void add_quality(CLI::App& verb, std::optional<int>& quality);
 void add_force(CLI::App& verb, bool& force);
+void add_crop(CLI::App& verb, std::optional<Crop>& crop, const char* description);
+void add_page(CLI::App& verb, std::optional<std::string>& page);
 
 // Adds --size, --layout, --stride, --frames, --range and --matrix. `read` must live as long as the
 // app.

@@ -17,6 +17,7 @@ struct Verb {
 [[nodiscard]] Verb add_noise_verb(CLI::App& app);
 [[nodiscard]] Verb add_compare_verb(CLI::App& app);
 [[nodiscard]] Verb add_chart_verb(CLI::App& app);
+[[nodiscard]] Verb add_sweep_verb(CLI::App& app);
 [[nodiscard]] Verb add_tune_verb(CLI::App& app);
 [[nodiscard]] Verb add_check_verb(CLI::App& app);
 [[nodiscard]] Verb add_show_verb(CLI::App& app);
