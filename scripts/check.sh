@@ -9,6 +9,7 @@
 #     exports   exported names, whose symbols a folder uses, how the library is linked
 #     abi       binary interface against the recorded one
 #     android   Android.bp against the CMake lists; library and tests as Android compiles them
+#     page      the command's pages in a real browser (PAGE_SHOTS: folder for screenshots)
 #     schema    the schema of tuning files accepts and refuses what it should
 #     install   an installed copy works for programs in C and C++
 #     debug     tests without optimisation, locals filled with a pattern
@@ -88,6 +89,11 @@ check_android() { scripts/check_android.sh; }
 # Debian's Python, which has the validator.
 check_schema() { /usr/bin/python3 scripts/check_schema.py; }
 
+check_page() {
+  configure_and_build host --target vorel_command
+  /usr/bin/python3 scripts/check_page.py build/host ${PAGE_SHOTS:+"$PAGE_SHOTS"}
+}
+
 check_install() {
   configure_and_build host
   scripts/check_install.sh build/host
@@ -126,9 +132,9 @@ check_bench() {
 }
 
 fast=(format includes host exports)
-everything=(format includes tidy host exports android schema install abi debug asan tsan arm fuzz bench)
+everything=(format includes tidy host exports android schema page install abi debug asan tsan arm fuzz bench)
 
-[ $# -gt 0 ] || { sed -n '3,20s/^# \{0,1\}//p' "$0"; exit 1; }
+[ $# -gt 0 ] || { sed -n '3,21s/^# \{0,1\}//p' "$0"; exit 1; }
 if [ "$1" = --step ]; then
   "check_$2"
   exit

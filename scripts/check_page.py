@@ -15,6 +15,7 @@ import re
 import subprocess
 import sys
 import tempfile
+import urllib.error
 import urllib.request
 import zlib
 
@@ -90,8 +91,11 @@ class Browser:
         body = None if content is None else json.dumps(content).encode()
         request = urllib.request.Request(self.root + path, body, method=method,
                                          headers={"Content-Type": "application/json"})
-        with urllib.request.urlopen(request, timeout=120) as answer:
-            return json.load(answer)["value"]
+        try:
+            with urllib.request.urlopen(request, timeout=120) as answer:
+                return json.load(answer)["value"]
+        except urllib.error.HTTPError as error:
+            sys.exit(f"page: the browser refuses {path}: {json.load(error)['value']['message']}")
 
     def close(self):
         try:
@@ -111,7 +115,6 @@ class Browser:
                  deviceScaleFactor=1, mobile=False)
         self.cdp("Emulation.setEmulatedMedia",
                  features=[{"name": "prefers-color-scheme", "value": scheme}])
-        self.settle()
 
     def settle(self):
         """Waits until what was asked for is drawn."""
@@ -135,7 +138,7 @@ class Browser:
 
     def drag(self, selector, dx, kind):
         element = {"element-6066-11e4-a52e-4f735466cecf": self.element(selector)}
-        self.send("/actions", {"actions": [{"type": "pointer", "id": "p", "parameters": {
+        self.send("/actions", {"actions": [{"type": "pointer", "id": kind, "parameters": {
             "pointerType": kind}, "actions": [
                 {"type": "pointerMove", "origin": element, "x": 0, "y": 0, "duration": 0},
                 {"type": "pointerDown", "button": 0},
@@ -148,9 +151,14 @@ class Browser:
                  "s.dispatchEvent(new Event('change'));")
         self.settle()
 
-    def screenshot(self, selector=None):
-        path = f"/element/{self.element(selector)}/screenshot" if selector else "/screenshot"
+    def screenshot(self, selector):
+        path = f"/element/{self.element(selector)}/screenshot"
         return base64.b64decode(self.send(path, method="GET"))
+
+    def whole_page(self):
+        size = self.cdp("Page.getLayoutMetrics")["cssContentSize"]
+        return base64.b64decode(self.cdp("Page.captureScreenshot", captureBeyondViewport=True,
+                                         clip={**size, "scale": 1})["data"])
 
 
 class Faults:
@@ -264,7 +272,7 @@ def take_screenshots(browser, name, path, directory):
         browser.open(path)
         kind = "wide" if size == WIDE else "narrow"
         with open(os.path.join(directory, f"{name}-{kind}-{scheme}.png"), "wb") as file:
-            file.write(browser.screenshot())
+            file.write(browser.whole_page())
 
 
 def smooth(x, y):

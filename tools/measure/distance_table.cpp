@@ -55,25 +55,30 @@ std::string figure_text(double figure) {
   return text;
 }
 
-std::string distance_table(const std::vector<NamedDistance>& pictures) {
-  std::vector<std::vector<std::string>> columns;
-  for (const NamedDistance& picture : pictures) {
-    std::vector<std::string> column{picture.name};
-    for (const Figure& figure : kFigures) {
+std::vector<std::vector<std::string>> distance_cells(const std::vector<NamedDistance>& pictures) {
+  std::vector<std::vector<std::string>> rows{{""}};
+  for (const NamedDistance& picture : pictures) rows.front().push_back(picture.name);
+  for (const Figure& figure : kFigures) {
+    rows.push_back({figure.label});
+    const double first = (pictures.front().distance.*figure.value)();
+    for (const NamedDistance& picture : pictures) {
       const double value = (picture.distance.*figure.value)();
-      const double first = (pictures.front().distance.*figure.value)();
-      const bool is_first = columns.empty();
-      column.push_back(figure_text(value) + (is_first ? "" : judgement(figure, value, first)));
+      const bool is_first = rows.back().size() == 1;
+      rows.back().push_back(figure_text(value) + (is_first ? "" : judgement(figure, value, first)));
     }
-    columns.push_back(std::move(column));
   }
+  return rows;
+}
+
+std::string distance_table(const std::vector<NamedDistance>& pictures) {
+  const std::vector<std::vector<std::string>> rows = distance_cells(pictures);
   std::string table;
-  for (size_t row = 0; row <= std::size(kFigures); ++row) {
-    std::string line = padded(row == 0 ? "" : kFigures[row - 1].label, kLabelWidth);
-    for (const std::vector<std::string>& column : columns) {
+  for (const std::vector<std::string>& row : rows) {
+    std::string line = padded(row.front(), kLabelWidth);
+    for (size_t column = 1; column < row.size(); ++column) {
       size_t width = 0;
-      for (const std::string& cell : column) width = std::max(width, cell.size());
-      line += padded(column[row], width + kGap);
+      for (const auto& other : rows) width = std::max(width, other[column].size());
+      line += padded(row[column], width + kGap);
     }
     table += "  " + line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
   }

@@ -21,6 +21,10 @@ struct NamedDistance {
 // picture's and whether that is better. Ends with a line end.
 [[nodiscard]] std::string distance_table(const std::vector<NamedDistance>& pictures);
 
+// The same table as rows of cells: the names of the pictures, then a row for each figure.
+[[nodiscard]] std::vector<std::vector<std::string>> distance_cells(
+    const std::vector<NamedDistance>& pictures);
+
 // A new array of objects with "file", "psnr_y", "psnr_u", "psnr_v" (null when the planes are equal)
 // and "ciede2000".
 [[nodiscard]] json_t* distance_list(const std::vector<NamedDistance>& pictures);

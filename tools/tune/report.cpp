@@ -3,9 +3,9 @@
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
-#include <functional>
 #include <set>
 
+#include "tools/tune/trial_means.h"
 #include "tools/tuning/json.h"
 
 namespace tool {
@@ -20,45 +20,7 @@ __attribute__((format(printf, 2, 3))) void append(std::string& text, const char*
   text += line;
 }
 
-constexpr struct {
-  const char* title;
-  const char* key;
-  Score Trial::* score;
-} kColumns[] = {{"built-in", "built_in", &Trial::built_in},
-                {"sample", "sample", &Trial::sample},
-                {"start", "start", &Trial::start},
-                {"tuned", "tuned", &Trial::tuned}};
-
-// Means over the trials that a condition picks.
-struct Means {
-  double count = 0.0;
-  double held_out_count = 0.0;
-  Score noisy;
-  Score columns[std::size(kColumns)];
-  Score held_out;
-};
-
-Means means_of(const std::vector<Trial>& trials, const std::function<bool(const Trial&)>& picks) {
-  Means means;
-  for (const Trial& trial : trials) {
-    if (!picks(trial)) continue;
-    means.count += 1.0;
-    means.noisy += trial.noisy;
-    for (size_t i = 0; i < std::size(kColumns); ++i) {
-      means.columns[i] += trial.*kColumns[i].score;
-    }
-    if (!trial.held_out) continue;
-    means.held_out_count += 1.0;
-    means.held_out += *trial.held_out;
-  }
-  if (means.count == 0.0) return means;
-  means.noisy /= means.count;
-  for (Score& score : means.columns) score /= means.count;
-  if (means.held_out_count > 0.0) means.held_out /= means.held_out_count;
-  return means;
-}
-
-void append_gains(std::string& text, const Means& means) {
+void append_gains(std::string& text, const TrialMeans& means) {
   append(text, "%8.2f", means.noisy.chroma());
   for (const Score& score : means.columns) {
     append(text, "  %+8.2f", score.chroma() - means.noisy.chroma());
@@ -70,16 +32,10 @@ void append_gains(std::string& text, const Means& means) {
   }
 }
 
-std::set<int> noise_indices(const std::vector<Trial>& trials) {
-  std::set<int> indices;
-  for (const Trial& trial : trials) indices.insert(trial.noise_index);
-  return indices;
-}
-
 std::string heading(const char* first) {
   std::string text;
   append(text, "%-20s%8s", first, "noisy");
-  for (const auto& column : kColumns) append(text, "  %8s", column.title);
+  for (const auto& column : kTrialColumns) append(text, "  %8s", column.title);
   return text + "  held out";
 }
 
@@ -87,8 +43,7 @@ std::string level_table(const TuneResult& result) {
   std::string text = "Chroma PSNR of the noisy pictures, and the gain of each tuning in dB:\n" +
                      heading("noise index") + "   CIEDE2000 noisy -> tuned\n";
   for (const int index : noise_indices(result.trials)) {
-    const Means means =
-        means_of(result.trials, [index](const Trial& trial) { return trial.noise_index == index; });
+    const TrialMeans means = means_at(result.trials, index);
     append(text, "%-20d", index);
     append_gains(text, means);
     append(text, "   %.2f -> %.2f\n", means.noisy.ciede2000, means.columns[3].ciede2000);
@@ -143,7 +98,7 @@ json_t* score_json(const Score& score) {
 json_t* trial_json(const Trial& trial) {
   json_t* object = json_pack("{s:s,s:i,s:o}", "scene", trial.scene.c_str(), "noise_index",
                              trial.noise_index, "noisy", score_json(trial.noisy));
-  for (const auto& column : kColumns) {
+  for (const auto& column : kTrialColumns) {
     json_object_set_new(object, column.key, score_json(trial.*column.score));
   }
   if (trial.held_out) json_object_set_new(object, "held_out", score_json(*trial.held_out));

@@ -11,6 +11,13 @@
 namespace tool {
 namespace {
 
+std::string without_ending(const std::string& name) {
+  for (const std::string ending : {"_table", "Table"}) {
+    if (name.ends_with(ending)) return name.substr(0, name.size() - ending.size());
+  }
+  return name;
+}
+
 // Every spelling of a key, the full path first. Of two keys with one spelling the first has it.
 const std::map<std::string, const KnownKey*>& spellings() {
   static const std::map<std::string, const KnownKey*> all = [] {
@@ -24,13 +31,7 @@ const std::map<std::string, const KnownKey*>& spellings() {
       if (uses[known.key.name] == 1) names.emplace(known.key.name, &known);
     }
     const std::map<std::string, const KnownKey*> whole = names;
-    for (const auto& [name, known] : whole) {
-      for (const char* ending : {"_table", "Table"}) {
-        if (name.ends_with(ending)) {
-          names.emplace(name.substr(0, name.size() - std::string(ending).size()), known);
-        }
-      }
-    }
+    for (const auto& [name, known] : whole) names.emplace(without_ending(name), known);
     return names;
   }();
   return all;
@@ -71,6 +72,8 @@ TypedKey typed_key(const std::string& text) {
   }
   return {&known, index_of(text, known)};
 }
+
+std::string short_name(const KnownKey& known) { return without_ending(known.key.name); }
 
 double typed_value(const KnownKey& known, const std::string& text) {
   double value = 0.0;

@@ -19,6 +19,9 @@ struct TypedKey {
 // and keys that hold no number for a frame are usage errors, which say what may have been meant.
 [[nodiscard]] TypedKey typed_key(const std::string& text);
 
+// A key's name without its section and without "Table" or "_table".
+[[nodiscard]] std::string short_name(const KnownKey& known);
+
 // A number for that key. Others, fractions for an integer and numbers outside the range that makes
 // sense are usage errors.
 [[nodiscard]] double typed_value(const KnownKey& known, const std::string& text);

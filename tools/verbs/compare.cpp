@@ -12,6 +12,7 @@
 #include "tools/report/chart_layout.h"
 #include "tools/report/chart_picture.h"
 #include "tools/tune/parallel.h"
+#include "tools/verbs/result_page.h"
 #include "tools/verbs/verb_options.h"
 
 namespace tool {
@@ -145,6 +146,29 @@ void write_side_by_side(const CompareOptions& options, const std::vector<Decoded
   output->finish();
 }
 
+// The first frames, the reference first among them too.
+Page compare_page(const CompareOptions& options, const std::vector<std::string>& names,
+                  const std::vector<Decoded>& frames) {
+  Page page;
+  std::vector<NamedFrame> compared;
+  for (size_t i = 0; i < frames.size(); ++i) {
+    const RgbImage& image = frames[i].image;
+    page.pictures.push_back(
+        {names[i], options.crop ? side_by_side({&image}, options.crop, 1) : image});
+    if (i > 0) compared.push_back({names[i], &frames[i].frame});
+  }
+  // A truth is what the others are held against, not one of the two to be judged.
+  if ((options.truth || options.chart) && frames.size() > 2) {
+    page.left = 1;
+    page.right = 2;
+  }
+  page.title = names[page.left] + " and " + names[page.right];
+  page.facts = {{"against", names.front()},
+                {"size", size_text({frames[0].image.width, frames[0].image.height})}};
+  page.curves = {nearness_curves(names.front(), frames.front().frame, compared)};
+  return page;
+}
+
 void check_usage(const CompareOptions& options) {
   if (options.truth && options.chart) {
     throw usage_error("--truth and --chart both name the truth; give one of them");
@@ -152,13 +176,16 @@ void check_usage(const CompareOptions& options) {
   if (options.pictures.size() + (options.truth || options.chart ? 1 : 0) < 2) {
     throw usage_error("compare needs two pictures, or one and --truth or --chart");
   }
-  if (!options.output) return;
   if (options.output == kStandardStream) {
     throw usage_error("the figures go to standard output; give the picture a file");
   }
   std::vector<std::string> inputs = options.pictures;
   if (options.truth) inputs.push_back(*options.truth);
-  check_outputs({*options.output}, inputs, options.force);
+  std::vector<std::string> outputs;
+  for (const auto& output : {options.output, options.page}) {
+    if (output) outputs.push_back(*output);
+  }
+  check_outputs(outputs, inputs, options.force);
 }
 
 }  // namespace
@@ -174,6 +201,7 @@ void run_compare(const CompareOptions& options) {
   int frame_count = 0;
   Size size{};
   std::vector<ChartFigures> charts;
+  Page page;
   while (true) {
     const std::vector<Decoded> frames = next_with_reference(sources, colour, options.chart);
     if (frames.empty()) break;
@@ -186,9 +214,14 @@ void run_compare(const CompareOptions& options) {
     if (frame_count++ > 0) continue;
     charts = measure_charts(options, names.front(), frames);
     if (options.output) write_side_by_side(options, frames);
+    if (options.page) page = compare_page(options, names, frames);
   }
   if (frame_count == 0) throw input_error(sources.front().path, "holds no frame");
 
+  if (options.page) {
+    page.tables = {distance_figures(names.front(), distances)};
+    write_text_file(*options.page, page_html(page));
+  }
   if (options.json) {
     std::fputs(distance_json(names.front(), distances, charts).c_str(), stdout);
     return;
@@ -200,6 +233,7 @@ void run_compare(const CompareOptions& options) {
     std::printf("%s\n%s", printable(names[i + 1]).c_str(), chart_table(charts[i]).c_str());
   }
   if (options.output) std::printf("  side by side in %s\n", options.output->c_str());
+  if (options.page) std::printf("  page in %s\n", options.page->c_str());
 }
 
 }  // namespace tool

@@ -18,8 +18,9 @@ struct CompareOptions {
   std::vector<Crop> patches;          // fields of one colour
   std::vector<Crop> edges;            // two colours that meet in the middle
   std::optional<std::string> output;  // side by side, the truth last
-  std::optional<Crop> crop;           // of the side-by-side picture
+  std::optional<Crop> crop;           // of the side-by-side picture and of the page
   int zoom = 1;
+  std::optional<std::string> page;  // of the first frames
   bool json = false;
   ReadOptions read;
   bool force = false;

@@ -54,15 +54,12 @@ Verb add_compare_verb(CLI::App& app) {
             "one becomes that of the other; may be given again");
   verb.add_option("-o,--output", options->output, "write the pictures side by side")
       ->option_text("PICTURE");
-  verb.add_option_function<std::string>(
-          "--crop", [options](const std::string& text) { options->crop = parse_crop(text); },
-          "part that the side-by-side picture shows")
-      ->option_text("X,Y,WIDTH,HEIGHT")
-      ->check(crop_rectangle());
+  add_crop(verb, options->crop, "part that the side-by-side picture and the page show");
   verb.add_option("--zoom", options->zoom, "enlarge the side-by-side picture by repeating pixels")
       ->option_text("1-32")
       ->check(whole_number(1, kMaxZoom));
   verb.add_flag("--json", options->json, "print the figures for programs");
+  add_page(verb, options->page);
   add_read_options(verb, options->read);
   add_force(verb, options->force);
   return {&verb, [options] {

@@ -10,7 +10,9 @@
 #include "tools/library/trace_file.h"
 #include "tools/verbs/batch_names.h"
 #include "tools/verbs/denoise_batch.h"
+#include "tools/verbs/denoise_page.h"
 #include "tools/verbs/denoise_run.h"
+#include "tools/verbs/result_page.h"
 
 namespace tool {
 namespace {
@@ -28,6 +30,7 @@ int denoise_one(const DenoiseOptions& options, const LibraryCalls& calls) {
   const std::string& input = options.inputs.front();
   std::vector<std::string> outputs{options.output};
   if (options.compare) outputs.push_back(*options.compare);
+  if (options.page) outputs.push_back(*options.page);
   if (options.trace) outputs.push_back(*options.trace);
   std::vector<std::string> inputs{input};
   if (options.truth) inputs.push_back(*options.truth);
@@ -37,8 +40,11 @@ int denoise_one(const DenoiseOptions& options, const LibraryCalls& calls) {
   if (options.dump) request_dumps(*options.dump);
   std::optional<TraceFile> trace;
   if (options.trace) trace.emplace(*options.trace);
-  const DenoiseSummary summary = denoise_file(options, input, options.output, tuning, calls);
+  DenoiseSummary summary = denoise_file(options, input, options.output, tuning, calls);
   if (trace) trace->finish();
+  if (options.page) {
+    write_text_file(*options.page, page_html(denoise_page(summary, tuning.text)));
+  }
   if (!options.quiet) {
     std::fputs(
         (options.json ? summary_json(summary) : summary_text(summary)).c_str(),

@@ -23,6 +23,7 @@ struct DenoiseOptions {
   bool separate_planes = false;        // NM21
   std::optional<std::string> compare;  // before and after, side by side
   std::optional<std::string> truth;    // the same picture without noise
+  std::optional<std::string> page;     // for a browser
   std::optional<std::string> dump;     // directory for the library's dumps
   std::optional<std::string> trace;    // time line of what the library does
   std::optional<int> quality;          // of JPEG files

@@ -140,6 +140,7 @@ class DenoiseBatch {
 int denoise_batch(const DenoiseOptions& options, const LibraryCalls& calls) {
   for (const auto& [name, given] : {std::pair("--compare", options.compare.has_value()),
                                     std::pair("--truth", options.truth.has_value()),
+                                    std::pair("--page", options.page.has_value()),
                                     std::pair("--dump", options.dump.has_value()),
                                     std::pair("--trace", options.trace.has_value())}) {
     if (given) throw usage_error(std::string(name) + " is about one picture or video");

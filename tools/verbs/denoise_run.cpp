@@ -11,6 +11,7 @@
 #include "tools/pictures/colour.h"
 #include "tools/pictures/side_by_side.h"
 #include "tools/verbs/progress_bar.h"
+#include "tools/verbs/result_page.h"
 
 namespace tool {
 namespace {
@@ -141,7 +142,7 @@ class DenoiseRun {
       summary_.enable_noise_index = report.enable_noise_index;
     }
     frame.unchanged = report.status == VOREL_BELOW_GATE || frame.after.data == frame.before.data;
-    if (summary_.frames == 1 && (compare_ || truth_)) compare(frame);
+    if (summary_.frames == 1 && (compare_ || truth_ || options_.page)) compare(frame);
   }
 
   void start(Size size) {
@@ -157,8 +158,8 @@ class DenoiseRun {
   // Measures the frames themselves; what a file makes of them (RGB that clips, JPEG) is not the
   // library's doing.
   void compare(const Frame& frame) {
-    const RgbImage rgb_before = as_rgb(frame.picture);
-    const RgbImage rgb_after = frame.unchanged ? rgb_before : nv21_to_rgb(frame.after);
+    RgbImage rgb_before = as_rgb(frame.picture);
+    RgbImage rgb_after = frame.unchanged ? rgb_before : nv21_to_rgb(frame.after);
     std::vector<const RgbImage*> images{&rgb_before, &rgb_after};
     std::optional<RgbImage> rgb_truth;
     if (truth_) {
@@ -170,8 +171,16 @@ class DenoiseRun {
       summary_.distances = {{"before", {}}, {"after", {}}};
       summary_.distances[0].distance.add(frame.before, rgb_frame, truth, *rgb_truth);
       summary_.distances[1].distance.add(frame.after, nv21_to_rgb(frame.after), truth, *rgb_truth);
+      if (options_.page) {
+        summary_.curves = {nearness_curves("the truth", truth,
+                                           {{"before", &frame.before}, {"after", &frame.after}})};
+      }
     }
     if (compare_) compare_->write({side_by_side(images, std::nullopt, 1), {}});
+    if (!options_.page) return;
+    summary_.pictures.push_back({"before", std::move(rgb_before)});
+    summary_.pictures.push_back({"after", std::move(rgb_after)});
+    if (rgb_truth) summary_.pictures.push_back({"truth", std::move(*rgb_truth)});
   }
 
   // The frames themselves are fine.
@@ -194,6 +203,7 @@ class DenoiseRun {
                       (tuning_.model.empty() ? "" : " (" + tuning_.model + ")");
     summary_.noise_index_text = noise_index_.text();
     summary_.compare = options_.compare.value_or("");
+    summary_.page = options_.page.value_or("");
     summary_.truth = options_.truth.value_or("");
     summary_.dumps = engine_->info().dump_path;
   }

@@ -66,6 +66,7 @@ std::string summary_text(const DenoiseSummary& summary) {
                                 std::string(summary.truth.empty() ? "" : " and the truth") +
                                 ", side by side, in " + summary.compare);
   }
+  if (!summary.page.empty()) text += line("page", summary.page);
   if (!summary.dumps.empty()) text += line("dumps", summary.dumps);
   if (!summary.truth.empty()) {
     text += line("truth", summary.truth);

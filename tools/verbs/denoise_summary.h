@@ -10,6 +10,7 @@
 #include "tools/measure/distance_table.h"
 #include "tools/measure/metrics.h"
 #include "tools/pictures/picture.h"
+#include "tools/report/page.h"
 
 namespace tool {
 
@@ -28,8 +29,11 @@ struct DenoiseSummary {
   double milliseconds = 0.0;   // of all frames
   ChangeCount change;
   std::string compare;                   // empty when not asked for
+  std::string page;                      // likewise
   std::string truth;                     // empty when not given
   std::vector<NamedDistance> distances;  // before and after, from the truth
+  std::vector<PagePicture> pictures;     // of the first frame, when a page is asked for
+  std::vector<PageCurves> curves;        // likewise
   std::string dumps;                     // directory, empty without dumps
   std::string trouble;                   // what ended a video early; empty when nothing did
 };

@@ -46,6 +46,7 @@ Verb add_denoise_verb(CLI::App& app) {
   verb.add_option("--truth", options->truth,
                   "the same picture without noise: say how far before and after are from it")
       ->option_text("PICTURE");
+  add_page(verb, options->page);
   add_read_options(verb, options->read);
   verb.add_option_function<std::string>(
           "--format",

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "tools/files/atomic_file.h"
 #include "tools/files/failure.h"
 #include "tools/files/input_file.h"
 #include "tools/library/library_log.h"
@@ -13,6 +12,7 @@
 #include "tools/tune/parallel.h"
 #include "tools/tuning/edit.h"
 #include "tools/tuning/frame_values.h"
+#include "tools/verbs/result_page.h"
 #include "tools/verbs/sweep_results.h"
 
 namespace tool {
@@ -80,18 +80,19 @@ class Sweep {
   }
 
   void write_files() const {
-    if (options_.csv) write_text(*options_.csv, table_csv(table()));
+    if (options_.csv) write_text_file(*options_.csv, table_csv(table()));
     if (options_.sheet) {
       const std::unique_ptr<PictureOutput> output = PictureOutput::open(*options_.sheet);
       output->write({sheet(), {}});
       output->finish();
     }
-    if (options_.page) write_text(*options_.page, page_html(page()));
+    if (options_.page) write_text_file(*options_.page, page_html(page()));
   }
 
   void print() const {
-    std::printf("%s, noise index %s, %s\n%s", options_.picture.c_str(), noise_index_text_.c_str(),
-                tuning_.description.c_str(), table_text(table()).c_str());
+    std::printf("%s, noise index %s, %s: %s\n%s", options_.picture.c_str(),
+                noise_index_text_.c_str(), tuning_.description.c_str(), key_.known->path().c_str(),
+                table_text(table()).c_str());
     if (truth_) {
       std::printf("nearest to the truth in chroma: %s\n",
                   results_[best_of(results_)].label.c_str());
@@ -105,12 +106,6 @@ class Sweep {
   }
 
  private:
-  static void write_text(const std::string& path, const std::string& text) {
-    AtomicFile file(path);
-    file.write(text);
-    file.commit();
-  }
-
   void read_truth() {
     const Picture truth = read_picture(*options_.truth, options_.read);
     const Size size{before_.width, before_.height};
@@ -141,7 +136,7 @@ class Sweep {
               : "all results are the same; its path may be switched off in this tuning"));
   }
 
-  [[nodiscard]] Table table() const { return sweep_table(key_.known->path(), results_); }
+  [[nodiscard]] Table table() const { return sweep_table(short_name(*key_.known), results_); }
 
   [[nodiscard]] Crop sheet_crop() const {
     if (options_.crop) return *options_.crop;
@@ -170,7 +165,7 @@ class Sweep {
               .facts = {},
               .pictures = {},
               .tables = {},
-              .curves = sweep_curves(key_.known->path(), results_)};
+              .curves = sweep_curves(short_name(*key_.known), results_)};
     page.facts = {{"picture", options_.picture},
                   {"tuning", tuning_.description},
                   {"noise index", noise_index_text_}};
@@ -205,8 +200,8 @@ void check_files(const SweepOptions& options) {
   for (const auto& output : {options.sheet, options.csv, options.page}) {
     if (output) outputs.push_back(*output);
   }
-  if (options.sheet == kStandardStream || options.page == kStandardStream) {
-    throw usage_error("the figures go to standard output; give the other a file");
+  if (options.sheet == kStandardStream) {
+    throw usage_error("the figures go to standard output; give the contact sheet a file");
   }
   std::vector<std::string> inputs{options.picture};
   if (options.truth) inputs.push_back(*options.truth);

@@ -9,6 +9,8 @@
 #include "tools/library/library_log.h"
 #include "tools/tune/manifest.h"
 #include "tools/tune/report.h"
+#include "tools/verbs/result_page.h"
+#include "tools/verbs/tune_page.h"
 
 namespace tool {
 namespace {
@@ -122,6 +124,7 @@ void run_tune(const TuneOptions& options) {
   }
   std::vector<std::string> outputs{options.output};
   if (!options.report.empty()) outputs.push_back(options.report);
+  if (options.page) outputs.push_back(*options.page);
   std::vector<std::string> inputs = files_of(sources);
   inputs.insert(inputs.end(), options.inputs.begin(), options.inputs.end());
   check_outputs(outputs, inputs, options.force);
@@ -136,6 +139,10 @@ void run_tune(const TuneOptions& options) {
     const bool as_json = std::filesystem::path(options.report).extension() == ".json";
     report.write(as_json ? report_json(result) : report_text(result));
     report.commit();
+  }
+  if (options.page) {
+    const Page page = tune_page(options.output, result, sources, options.settings.captures);
+    write_text_file(*options.page, page_html(page));
   }
   if (options.quiet) return;
   std::printf("%s\n%s", options.output.c_str(), report_text(result).c_str());

@@ -2,6 +2,7 @@
 #ifndef VOREL_TOOLS_VERBS_TUNE_H_
 #define VOREL_TOOLS_VERBS_TUNE_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ struct TuneOptions {
   bool is_burst = false;  // the inputs are frames of one burst
   bool is_clean = false;  // the inputs are to be made noisy
   std::string report;
+  std::optional<std::string> page;
   bool dry_run = false;
   bool quiet = false;
   bool force = false;

@@ -78,6 +78,7 @@ Verb add_tune_verb(CLI::App& app) {
   verb.add_option("--report", options->report,
                   "also write the report: as text, or as JSON when the name ends in .json")
       ->option_text("FILE");
+  add_page(verb, options->page);
   verb.add_option("--seed", settings.captures.seed,
                   "choice of the random numbers of --clean (1 is the default)")
       ->option_text("S")

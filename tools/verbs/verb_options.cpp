@@ -139,7 +139,12 @@ void add_crop(CLI::App& verb, std::optional<Crop>& crop, const char* description
 void add_page(CLI::App& verb, std::optional<std::string>& page) {
   verb.add_option("--page", page,
                   "write a page for a browser: pictures behind a divider, figures, curves")
-      ->option_text("FILE.html");
+      ->option_text("FILE.html")
+      ->check(CLI::Validator(
+          [](const std::string& text) {
+            return text == "-" ? "a page needs a file, not standard output" : "";
+          },
+          ""));
 }
 
 void add_read_options(CLI::App& app, ReadOptions& read) {

@@ -14,17 +14,19 @@
   const DASHES = [[], [8, 4], [2, 3], [8, 3, 2, 3], [4, 4]];
   const POINTS = ['circle', 'rect', 'triangle', 'rectRot', 'crossRot'];
 
-  // 1, 2 and 5 in every power of ten, and the ends.
-  function tickText(value, index, ticks) {
+  // 1, 2 and 5 in every power of ten.
+  function isRound(value) {
     const mantissa = value / 10 ** Math.floor(Math.log10(value) + 1e-9);
-    const isRound = [1, 2, 5].includes(Math.round(mantissa * 1e6) / 1e6);
-    return isRound || index === 0 || index === ticks.length - 1 ? String(+value.toPrecision(4)) : '';
+    return [1, 2, 5].includes(Math.round(mantissa * 1e6) / 1e6);
   }
 
   function axis(title, isLogarithmic, ink, line) {
-    const ticks = {color: ink};
-    if (isLogarithmic) ticks.callback = tickText;
+    const ticks = {color: ink, maxRotation: 0};
+    if (isLogarithmic) ticks.callback = (value) => String(+value.toPrecision(4));
     return {
+      afterBuildTicks: (scale) => {
+        if (isLogarithmic) scale.ticks = scale.ticks.filter((tick) => isRound(tick.value));
+      },
       type: isLogarithmic ? 'logarithmic' : 'linear',
       title: {display: true, text: title, color: ink},
       ticks,
