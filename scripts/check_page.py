@@ -21,8 +21,8 @@ import zlib
 
 WIDE = (1280, 900)
 NARROW = (420, 900)
-ENTER_KEYS = {"right": "\ue014", "left": "\ue012", "page up": "\ue00e", "home": "\ue011",
-              "end": "\ue010"}
+KEYS = {"right": "\ue014", "left": "\ue012", "page up": "\ue00e", "home": "\ue011",
+        "end": "\ue010"}
 
 
 def write_png(path, width, height, sample):
@@ -85,7 +85,8 @@ class Browser:
                  f"user-data-dir={directory}"]
         options = {"args": ["--" + flag for flag in flags]}
         self.root += "/" + self.send("", {"capabilities": {"alwaysMatch": {
-            "goog:chromeOptions": options, "goog:loggingPrefs": {"browser": "ALL"}}}})["sessionId"]
+            "goog:chromeOptions": options, "goog:loggingPrefs": {"browser": "ALL"},
+            "timeouts": {"script": 100000, "pageLoad": 100000}}}})["sessionId"]
 
     def send(self, path, content=None, method="POST"):
         body = None if content is None else json.dumps(content).encode()
@@ -132,7 +133,7 @@ class Browser:
         return list(self.send("/element", {"using": "css selector", "value": selector}).values())[0]
 
     def keys(self, selector, *names):
-        text = "".join(ENTER_KEYS.get(name, name) for name in names)
+        text = "".join(KEYS.get(name, name) for name in names)
         self.send(f"/element/{self.element(selector)}/value", {"text": text})
         self.settle()
 

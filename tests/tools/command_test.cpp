@@ -50,8 +50,8 @@ TEST_F(Command, HelpAndVersionAreEverywhere) {
   const CommandResult main = run_vorel({"--help"});
   EXPECT_EQ(main.status, 0);
   EXPECT_THAT(main.err, IsEmpty());
-  for (const char* verb :
-       {"denoise", "measure", "noise", "compare", "tune", "check", "show", "schema", "dump"}) {
+  for (const char* verb : {"denoise", "measure", "noise", "compare", "sweep", "tune", "check",
+                           "show", "schema", "dump"}) {
     EXPECT_THAT(main.out, HasSubstr(verb));
     const CommandResult help = run_vorel({verb, "--help"});
     EXPECT_EQ(help.status, 0) << verb;
@@ -91,6 +91,11 @@ TEST_F(Command, BadUsageIsStatus1) {
   expect_refused({"compare", in}, 1, "two pictures");
   expect_refused({"compare", in, in, "--crop", "1,2,3"}, 1, "no rectangle");
   expect_refused({"compare", in, in, "-o", out, "--crop", "60,0,5,5"}, 1, "64 x 48");
+  expect_refused({"compare", in, in, "--page", "-"}, 1, "a page needs a file");
+  expect_refused({"sweep", in, "--key", "enabel", "--values", "1"}, 1, "did you mean enable?");
+  expect_refused({"sweep", in, "--key", "enable", "--values", "0,2"}, 1, "outside 0 to 1");
+  expect_refused({"sweep", in, "--key", "enable", "--values", "0", "--page", in}, 1,
+                 "is the input");
   expect_refused({"check"}, 1, "TUNING is required");
 }
 
@@ -375,6 +380,40 @@ TEST_F(Command, CompareSpeaksToPeopleAndPrograms) {
                                         "--crop", "8,8,20,10", "--zoom", "3"});
   EXPECT_EQ(side.status, 0) << side.err;
   EXPECT_EQ(tool::read_picture(directory / "side.jpg", {}).size(), (tool::Size{3 * 60 + 16, 30}));
+}
+
+TEST_F(Command, SweepDenoisesOnceForEachValue) {
+  const std::vector<std::string> same = {"-n", "1600", "--truth", picture};
+  std::vector<std::string> denoise = {"denoise", raw, "-o", out, "--no-wavelet"};
+  denoise.insert(denoise.end(), same.begin(), same.end());
+  const CommandResult expected = run_vorel(denoise);
+  std::vector<std::string> sweep = {"sweep",    raw,
+                                    "-k",       "MFD_UV_tuning.enable",
+                                    "--values", "0",
+                                    "--csv",    directory / "figures.csv",
+                                    "-o",       directory / "sheet.png",
+                                    "--crop",   "2,4,6,8",
+                                    "--zoom",   "2",
+                                    "--page",   directory / "page.html"};
+  sweep.insert(sweep.end(), same.begin(), same.end());
+  const CommandResult run = run_vorel(sweep);
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_THAT(run.out, HasSubstr("1, as tuned"));
+  const std::string csv = read_text(directory / "figures.csv");
+  const std::string row = csv.substr(csv.find("\n0,") + 3);
+  // The table of denoise: the figures of before and of after.
+  for (const char* plane : {"Y", "U", "V"}) {
+    const size_t line = expected.out.find(std::string("PSNR ") + plane);
+    double before = 0;
+    double after = 0;
+    ASSERT_EQ(std::sscanf(expected.out.c_str() + line + 10, "%lf %lf", &before, &after), 2);
+    double value[3] = {};
+    ASSERT_EQ(std::sscanf(row.c_str(), "%lf,%lf,%lf", value, value + 1, value + 2), 3);
+    EXPECT_EQ(value[*plane == 'Y' ? 0 : *plane == 'U' ? 1 : 2], after) << plane;
+  }
+  const tool::Size sheet = tool::read_picture(directory / "sheet.png", {}).size();
+  EXPECT_GE(sheet.height, 2 * 8 * 2);
+  EXPECT_THAT(read_text(directory / "page.html"), testing::EndsWith("</html>\n"));
 }
 
 TEST_F(Command, CompareWalksThroughVideos) {
