@@ -40,7 +40,9 @@ std::string HelpFormatter::make_usage(const CLI::App* app, std::string name) con
   }
   for (const CLI::Option* option : app->get_options()) {
     if (option->get_positional() || !option->get_required()) continue;
-    usage += " -" + option->get_snames().front() + " " + option->get_option_text();
+    const bool is_short = !option->get_snames().empty();
+    usage += is_short ? " -" + option->get_snames().front() : " --" + option->get_lnames().front();
+    usage += " " + option->get_option_text();
   }
   const bool has_verbs = !app->get_subcommands({}).empty();
   return usage + (has_verbs ? " VERB ..." : " [OPTIONS]") + "\n";
