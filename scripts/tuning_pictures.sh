@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Makes the pictures of docs/tuning.md from the sample picture and prints how far each one is from
-# the clean form. A picture varies one or two keys and leaves the others as in the sample tuning.
+# Makes the pictures of README.md and docs/tuning.md from the sample picture and prints how far each
+# one is from the clean form. Those of docs/tuning.md vary one or two keys and leave the others as in
+# the sample tuning.
 #   scripts/tuning_pictures.sh BUILD_DIR [OUTPUT_DIR]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -12,16 +13,28 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$out"
 
+# sample MODEL INDEX: what a sample file says for a noise index, as KEY=VALUE pairs of `tuning`.
+sample() {
+  "$vorel" show "tuning/samples/vorel_$1.json" -n "$2" | awk '
+    match($1, /denoiseThrChroma[0-4]/) { print "t" substr($1, RSTART + 16, 1) "=" $2 }
+    $1 ~ /d_UV_thresh/ { print "d_uv=" $2 }
+    $1 ~ /cs_upper_thresh/ { print "cs=" $2 }
+    $1 ~ /cs_lower_thresh/ { print "cs_lower=" $2 }'
+}
+mapfile -t weak < <(sample NOTHING 100)
+mapfile -t half < <(sample NOTHING 800)
+mapfile -t strong < <(sample NOTHING 1600)
+mapfile -t alone < <(sample WT1240 800; echo wavelet=0)
+
 # tuning NAME KEY=VALUE...: a tuning with a single noise level, so each table holds one value. Keys
-# that are not given are those of vorel_NOTHING.json at noise index 1600.
+# that are not given are those of the sample file at noise index 1600; the last value of a key counts.
 tuning() {
   local name=$1
   shift
   local -A value=(
     [spatial]=1 [wavelet]=1 [span]=3 [delta]=7 [coef]='65489, 1375, -5503, 835, -37'
-    [d_y]=2 [d_y_lower]=1 [d_uv]=8 [cs]=48 [cs_lower]=36
-    [radial]=0.0 [t0]=45.0 [t1]=115.0 [t2]=64.0 [t3]=160.0 [t4]=46.0
-    [sat1]=0.0 [sat2]=0.0 [thr1]=65.0 [thr2]=40.0)
+    [d_y]=2 [d_y_lower]=1 [radial]=0.0 [sat1]=0.0 [sat2]=0.0 [thr1]=65.0 [thr2]=40.0)
+  set -- "${strong[@]}" "$@"
   local pair
   for pair in "$@"; do value[${pair%%=*}]=${pair#*=}; done
   cat >"$work/$name.json" <<END
@@ -68,16 +81,26 @@ variant() {
   row+=("$result")
 }
 
-# show PICTURE CROP ZOOM: writes the row side by side, the clean picture at the right end. The detour
-# over a PNG is for the JPEG quality: a noise index below enableNoiseIndex changes nothing.
-show() {
-  local crop=$2 zoom=$3
-  echo "$1:"
-  "$vorel" compare "${row[@]}" --truth "$clean" --crop "$crop" --zoom "$zoom" \
-    -o "$work/$1.png" | grep -E 'PSNR|CIEDE' | tr -s ' '
-  "$vorel" denoise "$work/$1.png" -o "$out/$1.jpg" --noise-index 0 --tuning none --quality 80 \
-    --quiet --log error
+# side_by_side PICTURE CROP ZOOM QUALITY: writes the row as a JPEG file. The detour over a PNG is for
+# the quality: a noise index below enableNoiseIndex changes nothing.
+side_by_side() {
+  "$vorel" compare "${row[@]}" --crop "$2" --zoom "$3" -o "$work/$1.png" >"$work/$1.txt"
+  "$vorel" denoise "$work/$1.png" -o "$out/$1.jpg" --noise-index 0 --tuning none --quality "$4" \
+    --force --quiet --log error
 }
+
+# show PICTURE CROP ZOOM: the same with the clean picture at the right end, and the figures.
+show() {
+  local row=("${row[@]}" --truth "$clean")
+  side_by_side "$1" "$2" "$3" 80
+  echo "$1:"
+  grep -E 'PSNR|CIEDE' "$work/$1.txt" | tr -s ' '
+}
+
+# README.md: before and after, as `vorel denoise` does it without options.
+"$vorel" denoise "$(noisy 16)" -o "$work/auto_$size.nv21" --quiet
+row=("$(noisy 16)" "$work/auto_$size.nv21")
+side_by_side before_after 650,700,210,170 2 85
 
 blade=1070,960,144,112
 fibres=1050,560,144,112
@@ -85,30 +108,28 @@ corner=2416,1328,144,112
 
 row=("$(noisy 16)")
 variant 16 t0_0 t0=0.0
-variant 16 t0_45
+variant 16 t0_sample
 variant 16 t0_1700 t0=1700.0
 show blotches $blade 2
 
 row=("$(noisy 16)")
 variant 16 t12_0 t1=0.0 t2=0.0
-variant 16 t12_115_64
+variant 16 t12_sample
 variant 16 t12_1700 t1=1700.0 t2=1700.0
 show middle $blade 2
 
 row=("$(noisy 16)")
 variant 16 t34_0 t3=0.0 t4=0.0
 variant 16 t34_28_5 t3=28.0 t4=5.0
-variant 16 t34_160_46
+variant 16 t34_sample
 show fine $blade 2
 
 row=("$(noisy 1)")
-weak=(t0=1.0 t1=2.5 t2=2.0 t3=80.0 t4=23.0)
-variant 1 weak "${weak[@]}" d_uv=4
+variant 1 weak "${weak[@]}"
 variant 1 builtin t0=100.0 t1=90.0 t2=70.0 t3=70.0 t4=60.0 d_uv=16 d_y=4
 show builtin $fibres 2
 
 row=("$(noisy 16)")
-half=(t0=17.0 t1=40.0 t2=28.0 t3=115.0 t4=37.0)
 variant 16 radial_0 "${half[@]}"
 variant 16 radial_1 "${half[@]}" radial=1.0
 show radial_corner $corner 2
@@ -121,7 +142,6 @@ variant 0 sat_strong "${off[@]}" sat1=50.0 thr1=30.0 thr2=12.0
 show saturation 2180,960,320,240 1
 
 row=("$(noisy 8)")
-alone=(wavelet=0 d_uv=64)
 variant 8 d_uv_8 "${alone[@]}" d_uv=8
 variant 8 d_uv_64 "${alone[@]}"
 variant 8 d_uv_128 "${alone[@]}" d_uv=128 cs=192 cs_lower=144
