@@ -61,7 +61,7 @@ class Stage {
 
   std::string judge_handle(const Scene& scene, const Trial& trial) const;
   std::string judge_frame(const Trial& trial) const;
-  std::string judge_dumps(const Scene& scene, const Trial& trial, bool fired);
+  std::string judge_dumps(const Scene& scene, const Trial& trial);
   Bytes denoised(bool strided, bool tuned) const;
 
   std::string folder_;

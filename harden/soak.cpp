@@ -1,7 +1,7 @@
 // Many frames, handles and loads of the shared library: memory, threads and descriptors must stay
 // what they are. Then how much longer than the median frame the slowest takes while the processors
 // are busy with something else.
-//   harden_soak LIBRARY long|short
+//   harden_soak LIBRARY LESS    LESS times fewer of everything; 1 for the whole
 #include <android/log.h>
 #include <dlfcn.h>
 #include <sys/stat.h>
@@ -215,14 +215,11 @@ void try_latency(const Library& library, int frames, bool judged) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::string form = argc == 3 ? argv[2] : "";
-  if (form != "long" && form != "short") {
-    std::fprintf(stderr, "harden_soak LIBRARY long|short\n");
+  const int less = argc == 3 ? std::atoi(argv[2]) : 0;
+  if (less < 1 || less > 100) {
+    std::fprintf(stderr, "harden_soak LIBRARY LESS, 1 to 100\n");
     return 2;
   }
-  // So many times fewer in the short form, whose latency is told but not judged: a machine that
-  // does other work too says nothing about a hundred frames.
-  const int less = form == "long" ? 1 : 100;
   __android_log_set_minimum_priority(ANDROID_LOG_SILENT);
   unsetenv("PERSIST_VENDOR_LIBVOREL_DEBUG");
   soak("loads", 1000 / less, [&] {
@@ -233,7 +230,8 @@ int main(int argc, char** argv) {
   soak("handles", 100000 / less, [&] { library.deinit(library.make(64, 48)); });
   soak_frames(library, "frames of 64x48", 64, 48, 1000000 / less);
   soak_frames(library, "frames of 1080p", 1920, 1080, 10000 / less);
-  try_latency(library, 10000 / less, form == "long");
+  // Of fewer frames it is told but not judged.
+  try_latency(library, 10000 / less, less == 1);
   std::printf("result: %s\n", g_result.c_str());
   return g_wrong == 0 ? 0 : 1;
 }
