@@ -3,12 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <random>
 #include <vector>
 
 #include "tests/support/guarded_plane.h"
 #include "tests/wavelet/sym4_plain.h"
+#include "wavelet/kernels/half_terms.h"
+#include "wavelet/kernels/sym4_rule.h"
 
 namespace {
 
@@ -93,6 +96,33 @@ TEST(Sym4RowsByHand, EveryStepRounds) {
   sym4_synthesise_row(lows.data(), highs.data(), out.data(), 5);
   EXPECT_EQ(half_bits(out[3]), 0x53F6);  // 63.6875; wide 63.625
   EXPECT_EQ(half_bits(out[4]), 0x54DE);  // 77.875; wide 77.75
+}
+
+// Every half that float terms take, and sums on, between and beside the halves that they round to.
+TEST(FloatTerms, GiveTheNumbersOfHalfTerms) {
+  const auto expect_same = [](float number, _Float16 expected, float from) {
+    ASSERT_EQ(number, static_cast<float>(expected)) << from;
+  };
+  for (uint16_t bits = 0; bits <= half_bits(kGreatestSample); ++bits) {
+    const _Float16 sample = half_of_bits(bits);
+    const float next = static_cast<float>(half_of_bits(bits + 1));
+    for (const float sign : {1.0f, -1.0f}) {
+      const float at = sign * static_cast<float>(sample);
+      for (const _Float16 tap : {kTap0, kTap1, kTap2, kTap3, kTap4, kTap5, kTap6, kTap7}) {
+        const _Float16 product = static_cast<_Float16>(at) * tap;
+        expect_same(float_terms::any_product(at, tap), product, at);
+        if (sample >= kSmallestSample) expect_same(float_terms::product(at, tap), product, at);
+      }
+      const float between = (at + sign * next) / 2;
+      expect_same(float_terms::round(at), static_cast<_Float16>(at), at);
+      if (sample < kSmallestSample) continue;
+      for (const float sum : {at, between, sign * next}) {
+        for (const float beside : {std::nextafter(sum, 0.0f), sum, std::nextafter(sum, 2 * sum)}) {
+          expect_same(float_terms::round(beside), static_cast<_Float16>(beside), beside);
+        }
+      }
+    }
+  }
 }
 
 }  // namespace
