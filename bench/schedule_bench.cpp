@@ -10,6 +10,8 @@ namespace {
 
 constexpr int kRounds = 15;
 
+constexpr FrameSize kFrames[] = {{1280, 720}, {1920, 1080}, {4000, 3000}};
+
 const std::vector<FramePhase>& frame_of(const FrameSize& size, int workers) {
   static std::map<std::pair<int, int>, std::vector<FramePhase>> recorded;
   std::vector<FramePhase>& phases = recorded[{size.width, workers}];
@@ -18,7 +20,7 @@ const std::vector<FramePhase>& frame_of(const FrameSize& size, int workers) {
 }
 
 void register_schedule(const std::string& name, const char* stage, int workers) {
-  for (const FrameSize& size : kBenchFrames) {
+  for (const FrameSize& size : kFrames) {
     benchmark::RegisterBenchmark(
         (name + "/" + size.name()).c_str(),
         [=](benchmark::State& state) {

@@ -39,7 +39,7 @@ void Sym4ForwardWalk::advance() {
     for (; source_row_ < 2 * k_ + 4; ++source_row_) split_source_row(source_row_);
   });
   times_->run(kForwardLow, [&] { join_low_rows(); });
-  if (k_ >= detail_rows_.first && k_ < detail_rows_.end) {
+  if (has_details(k_)) {
     times_->run(kForwardHigh, [&] { join_high_rows(); });
   }
   // The last row of the second level may reach one row past those that are made.
@@ -61,18 +61,16 @@ void Sym4ForwardWalk::split_source_row(int row) {
   last_row_ = inner_row;
   last_has_high_ = need_high;
   const _Float16* src = plane_.src + ptrdiff_t{inner_row} * plane_.width;
-  if (need_high) {
-    sym4_analyse_row(src, plane_.low.row(row), plane_.high.row(row), plane_.width);
-  } else {
-    sym4_analyse_row_low(src, plane_.low.row(row), plane_.width);
-  }
+  _Float16* high = need_high ? plane_.high.row(row) : nullptr;
+  sym4_analyse_row(src, plane_.low.row(row), high, plane_.width);
 }
 
 void Sym4ForwardWalk::join_low_rows() {
   const _Float16* rows[kSym4AnalysisRows];
   gather_analysis_rows([&](int row) { return plane_.low.row(row); }, k_, 0, rows);
   const row_store& low_low = plane_.second_level ? plane_.low_low : plane_.bands[7];
-  sym4_analyse_rows(rows, low_low.row(k_), plane_.bands[4].row(k_), half_);
+  _Float16* details = has_details(k_) ? plane_.bands[4].row(k_) : nullptr;
+  sym4_analyse_rows(rows, low_low.row(k_), details, half_);
 }
 
 void Sym4ForwardWalk::join_high_rows() {

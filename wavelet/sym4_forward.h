@@ -32,8 +32,9 @@ class Sym4ForwardWalk {
  public:
   Sym4ForwardWalk(const sym4_forward& plane, PassTimes* times);
 
-  // Leaves out the rows of the second level's bands before `second_row`, and of bands 5 and 6 all
-  // but `detail_rows` and `detail_columns`. To be called before the first `advance`.
+  // Leaves out the rows of the second level's bands before `second_row`, of bands 4 to 6 all rows
+  // but `detail_rows`, and of bands 5 and 6 all columns but `detail_columns`. To be called before
+  // the first `advance`.
   void start(int second_row, span detail_rows, span detail_columns);
 
   // Makes the next row of the first level's bands, and the rows of the second level's that it
@@ -48,6 +49,9 @@ class Sym4ForwardWalk {
   [[nodiscard]] int second_level_end() const { return row2_; }
 
  private:
+  [[nodiscard]] bool has_details(int row) const {
+    return row >= detail_rows_.first && row < detail_rows_.end;
+  }
   void split_source_row(int row);
   void join_low_rows();
   void join_high_rows();

@@ -35,13 +35,14 @@ template <typename Terms>
   }
 }
 
+template <typename Terms>
 [[gnu::noinline]] void walk_low_analysis(const _Float16* const* rows, _Float16* __restrict low,
                                          int count) {
   const _Float16 *r0 = rows[0], *r1 = rows[1], *r2 = rows[2], *r3 = rows[3];
   const _Float16 *r4 = rows[4], *r5 = rows[5], *r6 = rows[6], *r7 = rows[7];
-  VOREL_VECTORIZE
+  VOREL_VECTORIZE_HALF
   for (int x = 0; x < count; ++x) {
-    low[x] = analyse_rule<half_terms>(r0[x], r1[x], r2[x], r3[x], r4[x], r5[x], r6[x], r7[x]).low;
+    low[x] = analyse_rule<Terms>(r0[x], r1[x], r2[x], r3[x], r4[x], r5[x], r6[x], r7[x]).low;
   }
 }
 
@@ -87,12 +88,21 @@ bool suit_any_products(std::span<const _Float16* const> rows, int count) {
 }
 
 // Most of a picture's low bands are in floats, its details are not.
+template <typename Terms>
+void analyse_chunk(const _Float16* const* rows, _Float16* low, _Float16* high, int count) {
+  if (high != nullptr) {
+    walk_analysis<Terms>(rows, low, high, count);
+  } else {
+    walk_low_analysis<Terms>(rows, low, count);
+  }
+}
+
 void analyse_chunk(bool in_floats, const _Float16* const* rows, _Float16* low, _Float16* high,
                    int count) {
   if (kFloatTermsPay && in_floats) {
-    walk_analysis<float_terms>(rows, low, high, count);
+    analyse_chunk<float_terms>(rows, low, high, count);
   } else {
-    walk_analysis<half_terms>(rows, low, high, count);
+    analyse_chunk<half_terms>(rows, low, high, count);
   }
 }
 
@@ -105,7 +115,11 @@ void synthesise_chunk(bool in_floats, const _Float16* const* low, const _Float16
   }
 }
 
-// `high` may be null: the low band only.
+// `samples` from a column on, or null.
+_Float16* from_column(_Float16* samples, int column) {
+  return samples != nullptr ? samples + column : nullptr;
+}
+
 template <typename Sample>
 void analyse_row(const Sample* src, _Float16* low, _Float16* high, int width) {
   const int end = sym4_analysis_end(width);
@@ -121,12 +135,8 @@ void analyse_row(const Sample* src, _Float16* low, _Float16* high, int width) {
     }
     const _Float16* const rows[] = {even,     odd,     even + 1, odd + 1,
                                     even + 2, odd + 2, even + 3, odd + 3};
-    if (high != nullptr) {
-      const bool in_floats = suit_products({{even, odd}}, count + 3);
-      analyse_chunk(in_floats, rows, low + first, high + first, count);
-    } else {
-      walk_low_analysis(rows, low + first, count);
-    }
+    const bool in_floats = suit_products({{even, odd}}, count + 3);
+    analyse_chunk(in_floats, rows, low + first, from_column(high, first), count);
   }
 }
 
@@ -153,19 +163,16 @@ struct shifted_rows {
 
 void sym4_analyse_rows(const _Float16* const (&rows)[kSym4AnalysisRows], _Float16* low,
                        _Float16* high, int width) {
-  if (!kFloatTermsPay) return walk_analysis<half_terms>(rows, low, high, width);
+  if (!kFloatTermsPay) return analyse_chunk<half_terms>(rows, low, high, width);
   for_chunks(width, [&](int first, int count) {
     const shifted_rows<kSym4AnalysisRows> at(rows, first);
-    analyse_chunk(suit_products(at.rows, count), at.rows, low + first, high + first, count);
+    analyse_chunk(suit_products(at.rows, count), at.rows, low + first, from_column(high, first),
+                  count);
   });
 }
 
 void sym4_analyse_row(const _Float16* src, _Float16* low, _Float16* high, int width) {
   analyse_row(src, low, high, width);
-}
-
-void sym4_analyse_row_low(const _Float16* src, _Float16* low, int width) {
-  analyse_row<_Float16>(src, low, nullptr, width);
 }
 
 void sym4_analyse_row(const uint8_t* src, _Float16* low, _Float16* high, int width) {

@@ -20,6 +20,8 @@ inline int sym4_analysis_end(int size) { return (size - 4) / 2 + 1; }
 // k = kSym4First .. sym4_synthesis_end(size) - 1.
 inline int sym4_synthesis_end(int size) { return size - 2; }
 
+// In an analysis `high` may be null: the low band only.
+
 // Output row k of a vertical analysis: rows[i] is the source row 2k - 4 + i.
 void sym4_analyse_rows(const _Float16* const (&rows)[kSym4AnalysisRows], _Float16* low,
                        _Float16* high, int width);
@@ -27,9 +29,6 @@ void sym4_analyse_rows(const _Float16* const (&rows)[kSym4AnalysisRows], _Float1
 // Horizontal analysis of `width` samples.
 void sym4_analyse_row(const _Float16* src, _Float16* low, _Float16* high, int width);
 void sym4_analyse_row(const uint8_t* src, _Float16* low, _Float16* high, int width);
-
-// The low band only.
-void sym4_analyse_row_low(const _Float16* src, _Float16* low, int width);
 
 // Output rows 2k - 1 (`odd`) and 2k (`even`) of a vertical synthesis: low[i] and high[i] are the
 // rows k - 2 + i.
