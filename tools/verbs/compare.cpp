@@ -7,13 +7,12 @@
 #include "tools/files/printable.h"
 #include "tools/measure/chart_table.h"
 #include "tools/measure/distance_table.h"
-#include "tools/measure/patch_noise.h"
 #include "tools/pictures/colour.h"
 #include "tools/report/chart_layout.h"
 #include "tools/report/chart_picture.h"
 #include "tools/tune/parallel.h"
+#include "tools/verbs/compare_charts.h"
 #include "tools/verbs/result_page.h"
-#include "tools/verbs/verb_options.h"
 
 namespace tool {
 namespace {
@@ -30,12 +29,11 @@ struct Decoded {
 
 // The next frame of every file; an empty list when all end at once.
 std::vector<Decoded> next_frames(std::vector<Source>& sources, Colour colour) {
+  std::vector<std::optional<Picture>> pictures(sources.size());
   std::vector<std::optional<Decoded>> next(sources.size());
   for_each_in_parallel(sources.size(), [&](size_t i) {
-    const std::optional<Picture> picture = sources[i].input->next();
-    if (!picture) return;
-    warn_of_losses(sources[i].path, *picture);
-    next[i] = {as_nv21(*picture, colour), as_rgb(*picture)};
+    pictures[i] = sources[i].input->next();
+    if (pictures[i]) next[i] = {as_nv21(*pictures[i], colour), as_rgb(*pictures[i])};
   });
   std::vector<Decoded> frames;
   for (size_t i = 0; i < sources.size(); ++i) {
@@ -44,6 +42,7 @@ std::vector<Decoded> next_frames(std::vector<Source>& sources, Colour colour) {
       throw input_error(path, "has not as many frames as " + sources.front().path);
     }
     if (!next[i]) continue;
+    warn_of_losses(path, *pictures[i]);
     const Size size{next[i]->image.width, next[i]->image.height};
     const Size first{next[0]->image.width, next[0]->image.height};
     if (!(size == first)) {
@@ -63,21 +62,6 @@ std::vector<Source> open_sources(const CompareOptions& options) {
   if (options.truth) add(*options.truth);
   for (const std::string& path : options.pictures) add(path);
   return sources;
-}
-
-// Of the drawn chart's patches and edges.
-ChartFigures chart_figures(const Nv21Frame& frame, const Nv21Frame& reference) {
-  ChartFigures figures;
-  int number = 0;
-  for (const ChartPatch& patch : kChartPatches) {
-    figures.patches.push_back(
-        {patch.name, measure_colour_patch(frame, reference, patch_core(number++))});
-  }
-  for (const ChartEdge& edge : kChartEdges) {
-    figures.edges.push_back({edge.name, edge_width(frame, edge.area, edge.vertical),
-                             edge_width(reference, edge.area, edge.vertical)});
-  }
-  return figures;
 }
 
 // The names of all pictures that are compared, the reference first.
@@ -102,36 +86,6 @@ std::vector<Decoded> next_with_reference(std::vector<Source>& sources, Colour co
   Nv21Frame frame = rgb_to_nv21(chart, colour);
   frames.insert(frames.begin(), {std::move(frame), std::move(chart)});
   return frames;
-}
-
-// An edge in any picture is upright when the reference has a step from left to right.
-NamedEdge measure_edge(const Nv21Frame& frame, const Nv21Frame& reference, const Crop& area) {
-  const bool is_vertical = edge_width(reference, area, true).has_value();
-  return {crop_text(area), edge_width(frame, area, is_vertical),
-          edge_width(reference, area, is_vertical)};
-}
-
-// Of each frame but the reference; empty when not asked for.
-std::vector<ChartFigures> measure_charts(const CompareOptions& options, const std::string& name,
-                                         const std::vector<Decoded>& frames) {
-  std::vector<ChartFigures> charts;
-  if (!options.chart && options.patches.empty() && options.edges.empty()) return charts;
-  const Nv21Frame& reference = frames.front().frame;
-  const Size size{reference.width, reference.height};
-  for (const Crop& patch : options.patches) check_area("--patch", patch, size, name);
-  for (const Crop& edge : options.edges) check_area("--edge", edge, size, name);
-  for (size_t i = 1; i < frames.size(); ++i) {
-    const Nv21Frame& frame = frames[i].frame;
-    ChartFigures figures = options.chart ? chart_figures(frame, reference) : ChartFigures{};
-    for (const Crop& patch : options.patches) {
-      figures.patches.push_back({crop_text(patch), measure_colour_patch(frame, reference, patch)});
-    }
-    for (const Crop& edge : options.edges) {
-      figures.edges.push_back(measure_edge(frame, reference, edge));
-    }
-    charts.push_back(std::move(figures));
-  }
-  return charts;
 }
 
 // The reference comes first among the sources and, when it is a truth, last in the picture.
@@ -212,7 +166,9 @@ void run_compare(const CompareOptions& options) {
                                     reference.image);
     }
     if (frame_count++ > 0) continue;
-    charts = measure_charts(options, names.front(), frames);
+    for (size_t i = 1; i < frames.size() && measures_charts(options); ++i) {
+      charts.push_back(measure_chart(options, frames[i].frame, reference.frame, names.front()));
+    }
     if (options.output) write_side_by_side(options, frames);
     if (options.page) page = compare_page(options, names, frames);
   }
