@@ -15,6 +15,16 @@ class SystemWatch {
   SystemWatch& operator=(const SystemWatch&) = delete;
 };
 
+// While an object lives, every look at the clock finds it a microsecond later: what is timed counts
+// the times that it ran. One at a time, without a SystemWatch.
+class TickingClock {
+ public:
+  TickingClock();
+  ~TickingClock();
+  TickingClock(const TickingClock&) = delete;
+  TickingClock& operator=(const TickingClock&) = delete;
+};
+
 // Whether a line comes from workers that start, which they do beside the frame: it has no place in
 // an order of lines, and does not move the clock.
 bool is_from_start(const LogLine& line);

@@ -16,6 +16,7 @@
 #include "vorel/wavelet/denoise.h"
 #include "vorel/wavelet/sym4_transform.h"
 #include "wavelet/chroma_band.h"
+#include "wavelet/chroma_process.h"
 
 namespace {
 
@@ -111,6 +112,24 @@ TEST_F(ChromaPostProcessTest, UndefinedSamplesNeverReachTheOutput) {
       EXPECT_EQ(run_stage(width, height, Fill::kNan, p), expected);
       EXPECT_EQ(run_stage(width, height, Fill::kNothingLent, p), expected);
     }
+  }
+}
+
+TEST_F(ChromaPostProcessTest, RadialModeGivesSlopeAndCap) {
+  const struct {
+    float mode, slope, cap;
+  } cases[] = {{0, 0, 2},      {0.5f, 1.5f, 3.5f},      {1, 2, 4}, {2, 3, 5}, {-0.5f, 1.125f, 2.5f},
+               {-1, 1.25f, 3}, {-1.25f, 1.3125f, 3.25f}};
+  const Parameters p;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.mode);
+    chroma_process process{};
+    ASSERT_TRUE(set_up_chroma(
+        &process,
+        {48, 50, p.thresholds, static_cast<_Float16>(c.mode), {}, {}, nullptr, 1, nullptr}));
+    EXPECT_EQ(static_cast<float>(process.model.slope), c.slope);
+    EXPECT_EQ(static_cast<float>(process.model.cap), c.cap);
+    release_chroma(&process);
   }
 }
 

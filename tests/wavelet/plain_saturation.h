@@ -32,7 +32,9 @@ inline const Curve kCurves[] = {
     {1000, 300, 10, 0.5f},     // far over the range
     {0, 0, 65504, -65504},     // a span that overflows
     {0, 0, 10, -40000},        // distances that overflow
-    {33.3f, 12.1f, 100, -1},   // always on the ramp or above
+    {0, 0, -40000, 10},        // the same by the other threshold, and both from above
+    {0, 0, 65504, 10},        {0, 0, 10, 65504},       {0, 35, 65, 40},  // one percentage only
+    {35, 0, 65, 40},          {33.3f, 12.1f, 100, -1},  // always on the ramp or above
 };
 
 inline PlainHalf plain_gain(const saturation_curve& curve, PlainHalf distance) {

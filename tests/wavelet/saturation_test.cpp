@@ -50,6 +50,27 @@ TEST(SaturationTest, EveryHalfEqualsThePlainForm) {
   }
 }
 
+// Blocks of 128 pairs that lie near neutral leave the curve out: one sample beyond a threshold,
+// wherever it stands, brings it back.
+TEST(SaturationTest, OneSampleBeyondAThresholdBringsTheCurve) {
+  for (const Curve& curve :
+       {Curve{40, 10, 65, 40}, Curve{25, -100, 40, 65}, Curve{0, 60, 50, 50}}) {
+    for (const float distance : {curve.thr1, curve.thr2, curve.thr1 + 0.0625f, curve.thr2 + 0.0625f,
+                                 (curve.thr1 + curve.thr2) / 2, 120.0f}) {
+      for (const int place : {0, 1, 126, 127, 128, 255, 256}) {
+        for (const float side : {-1.0f, 1.0f}) {
+          std::vector<_Float16> samples(257, 131), lone = samples;
+          lone[static_cast<size_t>(place)] = static_cast<_Float16>(128 + side * distance);
+          SCOPED_TRACE(curve.text() + ": " + std::to_string(side * distance) + " at " +
+                       std::to_string(place));
+          ASSERT_EQ(saturate(curve, lone, samples), saturate_plainly(curve, lone, samples));
+          ASSERT_EQ(saturate(curve, samples, lone), saturate_plainly(curve, samples, lone));
+        }
+      }
+    }
+  }
+}
+
 // Percentages of every size and sign: the hundredth is taken with a reciprocal.
 TEST(SaturationTest, EveryPercentageEqualsThePlainForm) {
   const std::vector<_Float16> first = {128, 129, 131, 60, 218, half_of_bits(0x5801)};
