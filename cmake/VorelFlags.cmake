@@ -46,6 +46,19 @@ if(VOREL_BUILD_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
-# Flags of the library's own sources. The prefix map keeps the place of the tree out of them.
-set(VOREL_LIBRARY_FLAGS -fno-exceptions -fno-rtti -Werror=date-time -Wconversion
-  -Wno-implicit-float-conversion -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+# What is installed: the prefix map keeps the place of the tree out of it, and it is hardened as Debian
+# hardens its programs (Android's tree and NDK bring flags of their own). glibc's checked functions need
+# optimisation; sanitizers see more without them.
+set(VOREL_SHIPPED_FLAGS -ffile-prefix-map=${CMAKE_SOURCE_DIR}/= -ffile-prefix-map=${CMAKE_BINARY_DIR}/=)
+set(VOREL_SHIPPED_LINK_FLAGS -Wl,-z,relro,-z,now,-z,noexecstack)
+if(NOT ANDROID AND NOT VOREL_SANITIZE)
+  list(APPEND VOREL_SHIPPED_FLAGS -fstack-protector-strong -fstack-clash-protection
+    $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    list(APPEND VOREL_SHIPPED_FLAGS -fcf-protection)
+  endif()
+endif()
+
+# Flags of the library's own sources.
+set(VOREL_LIBRARY_FLAGS ${VOREL_SHIPPED_FLAGS} -fno-exceptions -fno-rtti -Werror=date-time -Wconversion
+  -Wno-implicit-float-conversion)

@@ -72,5 +72,5 @@ else()
     SOVERSION ${PROJECT_VERSION_MAJOR} INSTALL_RPATH "${VOREL_LIBLOG_DIRECTORY}")
 endif()
 target_link_options(vorel PRIVATE -Wl,--version-script=${VOREL_VERSION_SCRIPT}
-  -Wl,--no-undefined-version -Wl,-z,relro,-z,now,-z,noexecstack,-z,nodelete
+  -Wl,--no-undefined-version ${VOREL_SHIPPED_LINK_FLAGS} -Wl,-z,nodelete
   -Wl,-z,max-page-size=16384)
