@@ -1,5 +1,5 @@
 # The door. Everything is built under build/ by the CMake presets; results go to out/.
-.PHONY: help demo test bench bench-pair check harden test-arm format install
+.PHONY: help demo test bench bench-pair check harden test-arm format install package
 .DEFAULT_GOAL := help
 
 JOBS ?= $(shell nproc)
@@ -14,6 +14,7 @@ help:
 	@echo 'make harden    what docs/reliability.md tells (two hours); HARDEN=short for the short form'
 	@echo 'make test-arm  build for 64-bit Arm and run the tests in emulation'
 	@echo 'make format    lay out the sources with clang-format'
+	@echo 'make package   Debian packages, archive and bill of materials in out/packages'
 	@echo 'make install   library, headers, command and tuning files to PREFIX (/usr/local)'
 
 demo: build-host
@@ -34,7 +35,7 @@ check:
 	scripts/check.sh all
 
 harden:
-	scripts/setup.sh build check arm
+	scripts/setup.sh build check arm package
 	scripts/harden.sh
 
 test-arm:
@@ -47,6 +48,9 @@ test-arm:
 format:
 	scripts/setup.sh check
 	git ls-files -z -- '*.h' '*.c' '*.cpp' | xargs -0 clang-format-19 -i
+
+package:
+	scripts/package.sh
 
 install: build-host
 	cmake --install build/host --prefix $(DESTDIR)$(PREFIX)

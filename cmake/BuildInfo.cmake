@@ -38,6 +38,7 @@ if(NOT _epoch STREQUAL "")
   set(_saved "$ENV{SOURCE_DATE_EPOCH}")
   set(ENV{SOURCE_DATE_EPOCH} ${_epoch})
   string(TIMESTAMP VOREL_BUILD_DATE "%Y-%m-%d" UTC)
+  string(TIMESTAMP VOREL_BUILD_TIME "%a, %d %b %Y %H:%M:%S +0000" UTC)
   set(ENV{SOURCE_DATE_EPOCH} "${_saved}")
 endif()
 set(VOREL_BUILD_INFO

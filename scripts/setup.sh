@@ -4,6 +4,7 @@
 #   scripts/setup.sh GROUP...
 #     build   make demo, make test, make bench
 #     check   the other checks on this machine (format, sanitizers, fuzzing, ABI, Android)
+#     package Debian packages, and trying them in a system of their own (scripts/package.sh)
 #     measure what scripts/noise_index_table.py needs
 #     arm     building for 64-bit Arm and running it in emulation
 set -euo pipefail
@@ -20,6 +21,8 @@ check_packages=(
   clang-format-19 clang-tidy-19 libclang-rt-19-dev abigail-tools binutils python3-minimal python3-jsonschema
   soong android-libcutils-dev qemu-user chromium chromium-driver)
 
+package_packages=(dpkg-dev python3-minimal gzip lintian debootstrap qemu-user-static)
+
 measure_packages=(python3-numpy python3-pil)
 
 # Libraries that exist for both machines at once must have one version, so both are named: apt then
@@ -31,7 +34,7 @@ arm_twins=(
   libgtest-dev libgmock-dev libbenchmark-dev)
 
 usage() {
-  sed -n '2,8s/^# \{0,1\}//p' "$0"
+  sed -n '2,9s/^# \{0,1\}//p' "$0"
   exit "${1:-0}"
 }
 
@@ -64,6 +67,7 @@ for group in "$@"; do
   case $group in
     build) wanted+=("${build_packages[@]}") ;;
     check) wanted+=("${check_packages[@]}") ;;
+    package) wanted+=("${package_packages[@]}") ;;
     measure) wanted+=("${measure_packages[@]}") ;;
     arm)
       arm=true
