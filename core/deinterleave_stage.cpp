@@ -14,8 +14,6 @@ int vorel_deinterleave(vorel_thread* run) {
   int32_t luma_rows = run->height;
   if (is_planar_420(run->format)) {
     run->y_source = run->in_address_1;
-    job.y = run->y_source;
-    job.y_in = run->in_address_1;
     job.uv_in = run->in_address_2;
     deinterleave_planar(job);
   } else if (is_packed_422(run->format)) {

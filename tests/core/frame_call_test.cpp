@@ -229,6 +229,27 @@ TEST_F(FrameCallTest, InfoTellsValuesStagesAndTimes) {
   vorel_deinit(handle);
 }
 
+TEST_F(FrameCallTest, HandleTellsWhichPathsTuningAndOptionsLeaveOn) {
+  for (int bits = 0; bits < 16; ++bits) {
+    SCOPED_TRACE(bits);
+    const int spatial = bits & 1, wavelet = bits >> 1 & 1;
+    const std::string text = R"([{"enable": )" + std::to_string(spatial) +
+                             R"(, "MFD_UV_tuning": {"enable": )" + std::to_string(wavelet) + "}}]";
+    vorel_options options = vorel_default_options(64, 48);
+    options.tuning_text = text.data();
+    options.tuning_text_bytes = text.size();
+    options.disable_spatial = bits >> 2 & 1;
+    options.disable_wavelet = bits >> 3 & 1;
+    vorel* handle = vorel_open(&options, nullptr);
+    vorel_handle_info info{};
+    info.size = sizeof(info);
+    EXPECT_EQ(vorel_get_handle_info(handle, &info), VOREL_DONE);
+    EXPECT_EQ(info.spatial, spatial != 0 && options.disable_spatial == 0 ? 1 : 0);
+    EXPECT_EQ(info.wavelet, wavelet != 0 && options.disable_wavelet == 0 ? 1 : 0);
+    vorel_deinit(handle);
+  }
+}
+
 // Tuning of a named file or text must be usable; the sensor's own need not be there.
 TEST_F(FrameCallTest, OptionsNameTheTuning) {
   firmware_.write("any name", R"([{"enableNoiseIndex": 11}])");

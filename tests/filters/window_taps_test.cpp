@@ -16,13 +16,13 @@ constexpr uint32_t kWeights[] = {64, 64, 63, 61, 59, 56, 53, 50, 46, 43, 39, 35,
 
 // The list lies where memory ends, and holds every tap of the part once, in runs of one weight.
 TEST(WindowTaps, EveryTapOnceWithTheWeightOfItsDistance) {
-  const WindowPart parts[] = {{-15, 16, -15, 16}, {0, 1, 0, 1},       {-1, 2, -7, 8},
-                              {-20, 11, 11, 21},  {16, 47, -47, -16}, {-3, 3, 0, 31}};
+  const window_part parts[] = {{-15, 16, -15, 16}, {0, 1, 0, 1},       {-1, 2, -7, 8},
+                               {-20, 11, 11, 21},  {16, 47, -47, -16}, {-3, 3, 0, 31}};
   const ptrdiff_t pitch = 64;
-  for (const WindowPart& part : parts) {
+  for (const window_part& part : parts) {
     SCOPED_TRACE(testing::Message() << part.row_first << ' ' << part.col_first);
-    GuardedPlane<WindowTaps> memory(1);
-    WindowTaps* taps = memory.data();
+    GuardedPlane<window_taps> memory(1);
+    window_taps* taps = memory.data();
     list_taps(part, pitch, taps);
     EXPECT_EQ(taps->part, part);
     std::map<uint32_t, std::set<ptrdiff_t>> expected, listed;
@@ -34,7 +34,7 @@ TEST(WindowTaps, EveryTapOnceWithTheWeightOfItsDistance) {
     }
     int next = 0;
     for (int i = 0; i < taps->run_count; ++i) {
-      const TapRun& run = taps->runs[i];
+      const tap_run& run = taps->runs[i];
       EXPECT_EQ(run.first, next);
       EXPECT_GT(run.end, run.first);
       EXPECT_LE(run.end - run.first, kMaxRunTaps);

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
 
@@ -51,6 +52,10 @@ void* count_malloc(size_t bytes) {
 
 TEST_F(LoadTest, RefusesWhatIsNoFile) {
   const std::string refused = "Cannot open " + file().string();
+  const auto descriptors = [] {
+    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+  };
+  const auto open_before = descriptors();
   int refusals = 0;
   const auto expect_refusal = [&](const char* what) {
     SCOPED_TRACE(what);
@@ -79,6 +84,7 @@ TEST_F(LoadTest, RefusesWhatIsNoFile) {
 
   fs::create_symlink("/dev/zero", file());
   expect_refusal("endless device");
+  EXPECT_EQ(descriptors(), open_before);
 }
 
 TEST_F(LoadTest, FollowsLinksToFiles) {

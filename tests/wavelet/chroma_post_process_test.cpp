@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <list>
 #include <random>
@@ -227,22 +228,26 @@ TEST_F(ChromaPostProcessTest, BandsEqualThePassesOverWholePlanes) {
       planes[i] = sources[i];
       planes[i].data = copies[i].data();
     }
+    Parameters other = p;  // of the second plane
+    other.thresholds[0] = other.thresholds[1] = 20;
     first.denoise(p, A, B);
-    second.denoise(p, A, B);
+    second.denoise(other, A, B);
     Denoise().applySaturationRegion(&first.io, &second.io, &out, nullptr, curve.param1,
                                     curve.param2, curve.thr1, curve.thr2, 0, out.height);
 
     std::vector<uint8_t> bytes(chroma.size(), 77);
     buffer band_out = describe_pairs(&bytes, width, height);
     const _Float16 scale = static_cast<_Float16>(36.40625f);
-    const _Float16 thresholds[] = {40 * scale,
-                                   p.thresholds[1] * scale,
-                                   p.thresholds[1] * scale,
-                                   p.thresholds[2] * scale,
-                                   p.thresholds[3] * scale,
-                                   p.thresholds[3] * scale,
-                                   p.thresholds[4] * scale};
-    const chroma_frame frame = {planes, &band_out, {thresholds, thresholds}, {A, B}, curve};
+    const auto scaled = [&](const Parameters& of) {
+      std::array<_Float16, 7> table;
+      constexpr int kSource[] = {0, 1, 1, 2, 3, 3, 4};
+      for (int i = 0; i < 7; ++i) table[i] = of.thresholds[kSource[i]] * scale;
+      table[0] = table[0] < 0 ? -table[0] : table[0];
+      return table;
+    };
+    const auto thresholds = scaled(p), other_thresholds = scaled(other);
+    const chroma_frame frame = {
+        planes, &band_out, {thresholds.data(), other_thresholds.data()}, {A, B}, curve};
     for (const int count : {1, 2, 7, height / 2}) {
       SCOPED_TRACE(count);
       std::fill(bytes.begin(), bytes.end(), uint8_t{77});
