@@ -40,7 +40,8 @@ case $verb in
     mkdir -p "$(dirname "$dir")"
     # Put in its place when it is whole.
     part=$dir.part.$$
-    debootstrap --variant=minbase --arch="$arch" --include="$(IFS=,; echo "$*")" bookworm \
+    packages=$(IFS=,; echo "$*")
+    debootstrap --variant=minbase --arch="$arch" ${packages:+--include="$packages"} bookworm \
       "$part" "$mirror" >"$part.log" || { tail -n 20 "$part.log" >&2; fail "see $part.log"; }
     rm "$part.log"
     mv "$part" "$dir"

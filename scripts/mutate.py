@@ -183,6 +183,8 @@ def main() -> int:
     parser.add_argument('--files', nargs='+', default=list(PROGRAMS), metavar='PATH',
                         help='folders or files to put faults into')
     parser.add_argument('--match', default='', help='only faults whose line, as --list prints it, has this text')
+    parser.add_argument('--faults', metavar='FILE', type=Path, help='just those that FILE lists as '
+                        'harden/mutation_survivors.txt does, the known ones too')
     parser.add_argument('--own-tests', action='store_true', help='not those of whole frames')
     parser.add_argument('--no-sanitizers', action='store_true', help='do not try survivors again')
     parser.add_argument('--list', action='store_true', help='print the faults in order of the draw and end')
@@ -194,6 +196,10 @@ def main() -> int:
     reasons = explained(candidates)
     chosen = set(tracked(*options.files))
     draw = ranked([m for m in candidates if m.path in chosen and options.match in str(m)], options.seed)
+    if options.faults:
+        listed = set(options.faults.read_text().splitlines())
+        draw = [m for m in draw if key(m) in listed]
+        reasons = {fault: reason for fault, reason in reasons.items() if not reason.startswith('same:')}
     if options.list:
         print(*draw, sep='\n')
         return 0
