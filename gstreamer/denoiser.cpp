@@ -4,6 +4,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <vector>
 
 #include "gstreamer/sample_tuning.h"
 
@@ -25,6 +26,12 @@ std::string tuning_text(const Settings& settings) {
     return {std::istreambuf_iterator<char>(file), {}};
   }
   return has_firmware_directory() ? "" : kSampleTuning;
+}
+
+tool::FrameView view_of(const vorel_frame& frame) {
+  return {frame.luma,   static_cast<size_t>(frame.luma_stride),
+          frame.chroma, static_cast<size_t>(frame.chroma_stride),
+          frame.width,  frame.height};
 }
 
 }  // namespace
@@ -56,11 +63,27 @@ Denoiser::~Denoiser() { vorel_deinit(handle_); }
 vorel_status Denoiser::process(vorel_frame frame, std::optional<int32_t> noise_index,
                                vorel_frame_info* info) {
   if (!noise_index) {
-    noise_index =
-        tracker_.next({frame.luma, static_cast<size_t>(frame.luma_stride), frame.chroma,
-                       static_cast<size_t>(frame.chroma_stride), frame.width, frame.height});
+    noise_index = tracker_.next(view_of(frame), [&](int tried) { return try_index(frame, tried); });
   }
   frame.noise_index = noise_index.value_or(0);
   info->size = sizeof(*info);
   return vorel_denoise_frame(handle_, &frame, info);
+}
+
+std::optional<tool::Removal> Denoiser::try_index(vorel_frame frame, int32_t noise_index) {
+  const vorel_frame original = frame;
+  const auto height = static_cast<size_t>(frame.height);
+  std::vector<uint8_t> luma(static_cast<size_t>(frame.luma_stride) * height);
+  std::vector<uint8_t> chroma(static_cast<size_t>(frame.chroma_stride) * ((height + 1) / 2));
+  // The last rows end with their samples, not with the stride.
+  const auto row_bytes = static_cast<size_t>(frame.width);
+  std::memcpy(luma.data(), frame.luma, luma.size() - frame.luma_stride + row_bytes);
+  std::memcpy(chroma.data(), frame.chroma,
+              chroma.size() - frame.chroma_stride + (row_bytes + 1) / 2 * 2);
+  frame.luma = luma.data();
+  frame.chroma = chroma.data();
+  frame.noise_index = noise_index;
+  const vorel_status status = vorel_denoise_frame(handle_, &frame, nullptr);
+  if (status != VOREL_DONE && status != VOREL_BELOW_GATE) return std::nullopt;
+  return tool::measure_removal(view_of(original), view_of(frame));
 }

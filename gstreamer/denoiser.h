@@ -9,6 +9,7 @@
 
 #include "gstreamer/settings.h"
 #include "tools/measure/noise_index.h"
+#include "tools/measure/removal.h"
 #include "vorel/frame.h"
 
 class Denoiser {
@@ -29,6 +30,9 @@ class Denoiser {
   void forget_estimate() { tracker_ = tool::NoiseIndexTracker(calibration_); }
 
  private:
+  // What denoising a copy of the frame with another noise index would remove.
+  std::optional<tool::Removal> try_index(vorel_frame frame, int32_t noise_index);
+
   Denoiser(vorel* handle, tool::NoiseCalibration calibration)
       : handle_(handle), calibration_(std::move(calibration)), tracker_(calibration_) {}
 

@@ -6,7 +6,8 @@ it at many noise indices, and holds what `vorel measure` suggests against the be
 picture serves twice: scaled to 960 pixels, and as a part of its full size. Drawn charts are added.
 Prints Markdown tables of the chroma PSNR (mean of U and V, dB) with nothing done, with the estimated
 index and with the best single one. With --fit it also prints the chromaNoise_values that suit the
-tuning best, and how good they are on pictures that were held out. Needs python3-numpy and python3-pil
+tuning best, the weights of tools/measure/noise_verdict.cpp, and how good both are on pictures that
+were held out. Needs python3-numpy and python3-pil
 (scripts/setup.sh measure).
 
     scripts/noise_index_table.py BUILD_DIR PICTURE... [--tuning FILE] [--gains 1 4 16 64] [--fit]
@@ -30,6 +31,8 @@ INDICES = [round(100 * 2 ** (i / 2)) for i in range(15)]
 NV21 = 0x3132564E
 LEAST_ERROR = 0.05  # of squared steps: pictures that did not change have a PSNR too
 FOLDS = 6
+WEIGHTS = [-1.96, -2.85, 2.23, -.42, 2.87, 2.89, 3.83, 4.90]  # of doubt(), the constant last
+CAUTION = 1.6  # the odds of harm at which a picture is left alone, a logarithm
 
 # The quantisation of chroma in JPEG files of quality 50.
 JPEG_CHROMA = [17, 18, 24, 47, 99, 99, 99, 99, 18, 21, 26, 66, 99, 99, 99, 99, 24, 26, 56] + [99] * 5 \
@@ -187,11 +190,19 @@ def measure_picture(job):
                 errors = library.errors(planes, [plane.astype(float) for plane in truth])
                 rows.append({"name": name, "form": form, "kind": kind, "gain": gain,
                              "estimate": found["estimate"], "index": found["noise_index"] or 0,
-                             "errors": errors})
+                             "trial": found["trial"], "errors": errors})
     return rows
 
 
 # --- Figures ---
+
+def features(rows):
+    """What doubt() in tools/measure/noise_verdict.cpp weighs, in its order."""
+    def of(t):
+        return [np.log(t["purity"] + .05), t["own_share"], t["coarseness"], t["to_luma"],
+                np.log(t["along_luma"] + .02), t["along_chroma"], t["untouched"], 1]
+    return np.array([of(row["trial"]) if row["trial"] else [0] * 8 for row in rows])
+
 
 class Results:
     def __init__(self, rows):
@@ -202,6 +213,9 @@ class Results:
         self.clean = np.array([row["gain"] == 0 for row in rows])
         self.drawn = np.array([row["form"] == "drawn" for row in rows])
         self.estimate = np.array([row["estimate"] or 1e-3 for row in rows])
+        trials = [row["trial"] for row in rows]
+        self.tried = np.array([trial is not None for trial in trials])
+        self.refused = np.array([trial is not None and trial["doubt"] >= 0 for trial in trials])
 
     def at(self, octaves):
         """With the index 100 * 2 ^ octaves; below 0 nothing is done."""
@@ -257,11 +271,11 @@ class Results:
     def octaves(self, values):
         """`values` are the logarithms of the estimates at index 100, 200, ..., 12800."""
         noise = np.log2(np.maximum(self.estimate, 1e-3))
-        below = (noise - values[0]) / (values[1] - values[0])
-        return np.where(noise < values[0], below, np.interp(noise, values, np.arange(len(values))))
+        index = np.interp(noise, values, np.arange(len(values)))  # at least the first level's
+        return np.where(self.tried & ~self.refused, index, -1)
 
     def fit(self, which):
-        values, step = np.log2([.1, .2, .32, .45, .67, 1.1, 1.8, 2.9]), .3
+        values, step = np.log2([.11, .23, .32, .46, .65, .97, 1.68, 2.64]), .3
         price = lambda v: self.price(self.octaves(v))[which].mean() + .02 * np.square(np.diff(v, 2)).sum()
         least = price(values)
         for _ in range(9):
@@ -274,15 +288,38 @@ class Results:
             step *= .7
         return values
 
+    # Weights by which the trial tells harm, by logistic regression; the last is the constant.
+    def fit_doubt(self, which):
+        which = which & self.tried & ~self.drawn
+        place = np.log2([t["noise_index"] / 100 if t else 1 for t in (r["trial"] for r in self.rows)])
+        harm = self.psnr[:, 0] - self.at(np.maximum(place, 0))
+        x, y = features(self.rows)[which], harm[which] > .03
+        weight = np.clip(np.abs(harm[which]), .1, 1.5) * np.where(self.clean[which], .5, 1)
+        scale = np.append(x[:, :-1].std(0), 1)
+        x, w = x / scale, np.zeros(x.shape[1])
+        stay = .03 * len(y) * np.diag(np.append(np.ones(len(w) - 1), 0))
+        for _ in range(30):
+            p = 1 / (1 + np.exp(-x @ w))
+            slope = x.T @ (weight * (p - y)) + stay @ w
+            w -= np.linalg.solve((x * (weight * p * (1 - p) + 1e-6)[:, None]).T @ x + stay, slope)
+        w[-1] += CAUTION
+        return w / scale
+
     def print_fit(self):
         names = sorted({row["name"] for row in self.rows})
         fold = np.array([names.index(row["name"]) % FOLDS for row in self.rows])
-        octaves = np.zeros(len(self.rows))
+        octaves, x, before = np.zeros(len(self.rows)), features(self.rows), self.refused
+        beyond = before & (x @ WEIGHTS < 0)  # by a bound, not by the weights
         for i in range(FOLDS):
+            self.refused = beyond | (x @ self.fit_doubt(fold != i) >= 0)
             octaves[fold == i] = self.octaves(self.fit(fold != i))[fold == i]
-        gap = (self.best - self.at(octaves))[~self.clean & ~self.drawn]
-        print(f"\nheld out: {gap.mean():.2f} dB short of the best index")
+        self.refused = before
+        which = ~self.clean & ~self.drawn
+        gap, harm = (self.best - self.at(octaves))[which], (self.psnr[:, 0] - self.at(octaves))[which]
+        print(f"\nheld out: {gap.mean():.2f} dB short of the best index, {(harm > .1).sum()} of "
+              f"{which.sum()} more than 0.1 dB below nothing (worst {harm.max():.1f})")
         print('"chromaNoise_values":', [round(float(v), 2) for v in 2 ** self.fit(fold >= 0)])
+        print("weights of doubt:", self.fit_doubt(fold >= 0).round(2))
 
 
 def main():
@@ -293,6 +330,8 @@ def main():
     parser.add_argument("--gains", nargs="+", type=int, default=[1, 4, 16, 64])
     parser.add_argument("--fit", action="store_true")
     options = parser.parse_args()
+    if options.fit and len(options.pictures) < 2 * FOLDS:
+        parser.error(f"--fit needs {2 * FOLDS} pictures and more")
     pictures = clean_pictures(options.pictures) | drawn_pictures()
     jobs = [(key, image, options.build, options.tuning, options.gains) for key, image in pictures.items()]
     with multiprocessing.Pool(maxtasksperchild=1) as pool:

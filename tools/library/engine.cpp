@@ -1,5 +1,7 @@
 #include "tools/library/engine.h"
 
+#include <stdlib.h>
+
 #include <algorithm>
 #include <vector>
 
@@ -24,6 +26,27 @@ std::string skipped_stages(uint32_t skipped) {
   return names;
 }
 
+// Asks the library for all its dumps. It listens when a handle is opened, so that the handles of
+// trials that come later are not asked.
+class DumpRequest {
+ public:
+  explicit DumpRequest(const std::string& directory) : is_made_(!directory.empty()) {
+    if (!is_made_) return;
+    setenv("VOREL_DUMP_DIR", directory.c_str(), 1);
+    setenv("PERSIST_VENDOR_LIBVOREL_DEBUG", "5", 1);
+  }
+  ~DumpRequest() {
+    if (!is_made_) return;
+    unsetenv("VOREL_DUMP_DIR");
+    unsetenv("PERSIST_VENDOR_LIBVOREL_DEBUG");
+  }
+  DumpRequest(const DumpRequest&) = delete;
+  DumpRequest& operator=(const DumpRequest&) = delete;
+
+ private:
+  bool is_made_;
+};
+
 }  // namespace
 
 Engine::Engine(const EngineSettings& settings, const LibraryCalls& calls) : calls_(calls) {
@@ -33,6 +56,7 @@ Engine::Engine(const EngineSettings& settings, const LibraryCalls& calls) : call
   options.cpu_mask = 0xFFFFFFFF;  // a workstation's workers need not keep to a phone's eight
   options.tuning_text = settings.tuning.data();
   options.tuning_text_bytes = settings.tuning.size();
+  const DumpRequest dumps(settings.dumps);
   vorel_status status = VOREL_DONE;
   handle_ = calls_.open(&options, &status);
   if (handle_ == nullptr) {

@@ -20,7 +20,8 @@ struct LibraryCalls {
 struct EngineSettings {
   Size size{};  // of the largest frame
   unsigned sensor = 0;
-  std::string tuning;  // text of a tuning file
+  std::string tuning;   // text of a tuning file
+  std::string dumps{};  // an existing directory for all of the library's dumps; empty for none
 };
 
 class Engine {

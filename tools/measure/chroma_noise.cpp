@@ -21,14 +21,15 @@ constexpr double kMiddle = 0.5;
 // is known (docs/noise-index.md).
 constexpr double kImpurityPower = 1.75;
 
-// What fine noise alone can bring about: a little more than the first level of the sample tuning.
-constexpr double kFineShare = 0.5;
-constexpr double kFineMost = 0.145;
+// Added before logarithms are taken: what rounding to whole steps leaves of a flat picture.
+constexpr double kLeastChroma = 0.02;
+constexpr double kLeastLuma = 0.2;
 
 // Reported are the first ones; means of 8 x 8 samples serve the estimate too.
 constexpr int kScales = kNoiseScales + 1;
 // Single samples have no say in it: JPEG files leave little of their noise.
 constexpr int kFirstEstimatingScale = 1;
+constexpr int kDecidingScale = 2;
 
 struct Plane {
   const uint8_t* samples;
@@ -204,18 +205,17 @@ double quiet_noise_of(const std::vector<BlockMoments>& blocks, int scale) {
 }
 
 // Means of 4 x 4 samples say how much noise there is; the scale that looks least like noise says
-// how far that is to be believed. But where coarse texture hides it, plain noise of 2 x 2 means
-// still vouches for the weakest denoising.
+// how far that is to be believed.
 double estimate_from(const std::vector<BlockMoments>& blocks) {
-  const double fine_purity = purity(blocks, kFirstEstimatingScale);
-  double least = fine_purity;
+  double least = purity(blocks, kFirstEstimatingScale);
   for (int scale = kFirstEstimatingScale + 1; scale < kScales; ++scale) {
     least = std::min(least, purity(blocks, scale));
   }
-  const double fine =
-      quiet_noise_of(blocks, kFirstEstimatingScale) * std::pow(fine_purity, kImpurityPower);
-  return std::max(quiet_noise_of(blocks, kNoiseScales - 1) * std::pow(least, kImpurityPower),
-                  std::min(fine * kFineShare, kFineMost));
+  return quiet_noise_of(blocks, kDecidingScale) * std::pow(least, kImpurityPower);
+}
+
+double log_ratio(double noise, double other, double least_other) {
+  return std::log((noise + kLeastChroma) / (other + least_other));
 }
 
 std::vector<BlockMoments> chroma_moments(const FrameView& frame, int first_scale) {
@@ -229,9 +229,19 @@ std::vector<BlockMoments> chroma_moments(const FrameView& frame, int first_scale
 std::optional<ChromaNoise> measure_chroma_noise(const FrameView& frame) {
   const std::vector<BlockMoments> blocks = chroma_moments(frame, 0);
   if (blocks.size() < kLeastNoiseBlocks) return std::nullopt;
-  return ChromaNoise{quiet_noise(blocks, [](const Moments& m) { return m.first; }),
-                     quiet_noise(blocks, [](const Moments& m) { return m.second; }),
-                     estimate_from(blocks)};
+  const double quiet = quiet_noise_of(blocks, kDecidingScale);
+  const double busy = quantile_of(blocks, kDecidingScale, kMiddle, deviation);
+  // Of means of 4 x 4 pixels, as 2 x 2 chroma samples are.
+  const double luma = measure_luma_noise(frame)->back();
+  return ChromaNoise{
+      .first = quiet_noise(blocks, [](const Moments& m) { return m.first; }),
+      .second = quiet_noise(blocks, [](const Moments& m) { return m.second; }),
+      .estimate = estimate_from(blocks),
+      .quiet = quiet,
+      .purity = busy > 0 ? quiet / busy : 0,
+      .own_share = quantile_of(blocks, kDecidingScale, kQuiet, own_share),
+      .coarseness = log_ratio(quiet_noise_of(blocks, kDecidingScale + 1), quiet, kLeastChroma),
+      .to_luma = log_ratio(quiet_noise_of(blocks, kFirstEstimatingScale), luma, kLeastLuma)};
 }
 
 std::optional<double> estimate_chroma_noise(const FrameView& frame) {

@@ -8,6 +8,9 @@
 // It looks at diagonal differences of means over a few chroma samples, which edges along rows and
 // columns do not reach. Means of 4 x 4 samples decide: JPEG files and the noise filters of cameras
 // take the finer noise away, not this.
+//
+// Texture all over a frame remains a noise to it. What tells the two apart stands beside the
+// estimate, for noise_verdict.h.
 #ifndef VOREL_TOOLS_MEASURE_CHROMA_NOISE_H_
 #define VOREL_TOOLS_MEASURE_CHROMA_NOISE_H_
 
@@ -38,6 +41,16 @@ struct ChromaNoise {
   NoiseByScale first;   // of the first sample of each chroma pair
   NoiseByScale second;  // of the other
   double estimate;      // what a noise index is chosen by
+
+  // Of the means of 4 x 4 samples: the quiet quarter's own noise, its share of the middle block's,
+  // and the lower quartile of the share that is not common to both planes.
+  double quiet;
+  double purity;
+  double own_share;
+  // Logarithms of ratios of quiet noise: means of 8 x 8 samples to those of 4 x 4, and chroma to
+  // luma over 4 x 4 pixels.
+  double coarseness;
+  double to_luma;
 };
 
 // Blocks that have to be usable, of 64 x 64 pixels each. Clipped and flat ones are not.

@@ -3,17 +3,24 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tools/measure/noise_verdict.h"
+
 namespace tool {
 namespace {
 
 constexpr double kLeastNoise = 1e-3;  // has a logarithm
 constexpr double kSmoothing = 1.0 / 8;
+constexpr double kDoubtSmoothing = 1.0 / 4;
+constexpr int kFramesPerTrial = 32;
+
+// An index that is a smaller part of the first level's belongs to a clean frame.
+constexpr int kCleanPart = 8;
 
 }  // namespace
 
 NoiseCalibration sample_calibration() {
-  return {{100, 0.14}, {200, 0.22},  {400, 0.32},  {800, 0.45},  {1600, 0.67},   {3200, 1.1},
-          {6400, 1.8}, {12800, 2.9}, {25600, 4.7}, {51200, 7.6}, {102400, 12.3}, {204800, 20.0}};
+  return {{100, 0.11},  {200, 0.23},   {400, 0.32},  {800, 0.46},  {1600, 0.65},   {3200, 0.97},
+          {6400, 1.68}, {12800, 2.64}, {25600, 4.2}, {51200, 6.6}, {102400, 10.5}, {204800, 16.6}};
 }
 
 int noise_index_for(double chroma_noise, const NoiseCalibration& calibration) {
@@ -33,13 +40,33 @@ int noise_index_for(double chroma_noise, const NoiseCalibration& calibration) {
   return static_cast<int>(below->noise_index * std::pow(ratio, share));
 }
 
-std::optional<int> NoiseIndexTracker::next(const FrameView& frame) {
+std::optional<int> index_to_try(double chroma_noise, const NoiseCalibration& calibration) {
+  const int index = noise_index_for(chroma_noise, calibration);
+  const int first = calibration.front().noise_index;
+  if (index < first / kCleanPart) return std::nullopt;
+  return std::max(index, first);
+}
+
+std::optional<int> NoiseIndexTracker::next(const FrameView& frame, const TryIndex& try_index) {
   if (const std::optional<double> noise = estimate_chroma_noise(frame)) {
     const double level = std::log(std::max(*noise, kLeastNoise));
     level_ = level_ ? *level_ + kSmoothing * (level - *level_) : level;
   }
   if (!level_) return std::nullopt;
-  return noise_index_for(std::exp(*level_), calibration_);
+  const std::optional<int> index = index_to_try(std::exp(*level_), calibration_);
+  if (!index) return noise_index_for(std::exp(*level_), calibration_);
+  if (--frames_until_trial_ < 0) judge(frame, *index, try_index);
+  return refused_ ? 0 : *index;
+}
+
+void NoiseIndexTracker::judge(const FrameView& frame, int noise_index, const TryIndex& try_index) {
+  const std::optional<ChromaNoise> noise = measure_chroma_noise(frame);
+  const std::optional<Removal> removal = noise ? try_index(noise_index) : std::nullopt;
+  if (!removal) return;
+  frames_until_trial_ = kFramesPerTrial - 1;
+  const double now = doubt(*noise, *removal);
+  doubt_ = doubt_ ? *doubt_ + kDoubtSmoothing * (now - *doubt_) : now;
+  refused_ = *doubt_ < 0 ? std::nullopt : std::optional(noise_index);
 }
 
 }  // namespace tool

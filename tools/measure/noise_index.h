@@ -2,12 +2,14 @@
 #ifndef VOREL_TOOLS_MEASURE_NOISE_INDEX_H_
 #define VOREL_TOOLS_MEASURE_NOISE_INDEX_H_
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "tools/measure/chroma_noise.h"
+#include "tools/measure/removal.h"
 
 namespace tool {
 
@@ -32,19 +34,37 @@ using NoiseCalibration = std::vector<NoiseLevel>;
 // enableNoiseIndex; above the last level its index holds.
 [[nodiscard]] int noise_index_for(double chroma_noise, const NoiseCalibration& calibration);
 
+// Denoises a copy of a frame with this noise index and tells what went; nothing when that failed.
+using TryIndex = std::function<std::optional<Removal>(int noise_index)>;
+
+// The index to try for an estimate: at least that of the first level, whose noise may be hidden
+// under texture. Nothing for frames that are clean beyond doubt.
+[[nodiscard]] std::optional<int> index_to_try(double chroma_noise,
+                                              const NoiseCalibration& calibration);
+
 // The noise index of a video's frames one after the other. Every frame is measured, because a
 // camera changes its gain in mid-shot, and the estimates are smoothed over about eight frames,
-// because denoising that is now stronger and now weaker flickers.
+// because denoising that is now stronger and now weaker flickers. Whether it is noise at all is
+// tried on the first frame and then about once a second, smoothed too.
 class NoiseIndexTracker {
  public:
   explicit NoiseIndexTracker(NoiseCalibration calibration) : calibration_(std::move(calibration)) {}
 
   // Nothing as long as no frame had enough blocks that show noise; later the last index holds.
-  std::optional<int> next(const FrameView& frame);
+  // 0 where denoising would remove texture.
+  std::optional<int> next(const FrameView& frame, const TryIndex& try_index);
+
+  // The last one whose removal was too much like texture; nothing while it looks like noise.
+  [[nodiscard]] std::optional<int> refused() const { return refused_; }
 
  private:
+  void judge(const FrameView& frame, int noise_index, const TryIndex& try_index);
+
   NoiseCalibration calibration_;
   std::optional<double> level_;  // logarithm of the smoothed estimate
+  std::optional<double> doubt_;  // smoothed
+  std::optional<int> refused_;
+  int frames_until_trial_ = 0;
 };
 
 }  // namespace tool

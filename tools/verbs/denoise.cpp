@@ -1,7 +1,5 @@
 #include "tools/verbs/denoise.h"
 
-#include <stdlib.h>
-
 #include <cstdio>
 #include <filesystem>
 
@@ -17,13 +15,10 @@
 namespace tool {
 namespace {
 
-// Asks the library for all its dumps, below an existing or new directory.
-void request_dumps(const std::string& directory) {
+void make_dump_folder(const std::string& directory) {
   std::error_code error;
   std::filesystem::create_directories(directory, error);
   if (error) throw output_error(directory, "cannot be made: " + error.message());
-  setenv("VOREL_DUMP_DIR", directory.c_str(), 1);
-  setenv("PERSIST_VENDOR_LIBVOREL_DEBUG", "5", 1);
 }
 
 int denoise_one(const DenoiseOptions& options, const LibraryCalls& calls) {
@@ -37,7 +32,7 @@ int denoise_one(const DenoiseOptions& options, const LibraryCalls& calls) {
   if (options.tuning.name) inputs.push_back(*options.tuning.name);
   check_outputs(outputs, inputs, options.force);
   const TuningChoice tuning = choose_tuning(options.tuning);
-  if (options.dump) request_dumps(*options.dump);
+  if (options.dump) make_dump_folder(*options.dump);
   std::optional<TraceFile> trace;
   if (options.trace) trace.emplace(*options.trace);
   DenoiseSummary summary = denoise_file(options, input, options.output, tuning, calls);

@@ -38,7 +38,8 @@ class DenoiseRun {
         input_name_(input),
         input_(PictureInput::open(input, options.read)),
         tuning_(tuning),
-        noise_index_(options.noise_index, input, calibration_for(tuning.text)) {
+        noise_index_(options.noise_index, input, {{}, options.tuning.sensor, tuning.text, {}},
+                     calls) {
     if (options_.truth) truth_ = read_picture(*options_.truth, options_.read);
     std::optional<Layout> layout = options_.read.layout;
     if (!layout && output == kStandardStream) layout = input_->layout();
@@ -151,8 +152,9 @@ class DenoiseRun {
       throw input_error(*options_.truth, "is " + size_text(truth_->size()) + ", but " +
                                              input_name_ + " is " + size_text(size));
     }
-    engine_ = std::make_unique<Engine>(EngineSettings{size, options_.tuning.sensor, tuning_.text},
-                                       calls_);
+    engine_ = std::make_unique<Engine>(
+        EngineSettings{size, options_.tuning.sensor, tuning_.text, options_.dump.value_or("")},
+        calls_);
   }
 
   // Measures the frames themselves; what a file makes of them (RGB that clips, JPEG) is not the

@@ -7,37 +7,54 @@
 #include <memory>
 
 #include "tools/files/failure.h"
+#include "tools/library/library_log.h"
 #include "tools/measure/frame_view.h"
 #include "tools/measure/noise_index.h"
+#include "tools/measure/noise_verdict.h"
 #include "tools/measure/patch_noise.h"
 #include "tools/pictures/colour.h"
 #include "tools/pictures/exif_iso.h"
 #include "tools/tuning/json.h"
 #include "tools/verbs/noise_index_choice.h"
+#include "tools/verbs/trial_run.h"
 
 namespace tool {
 namespace {
+
+// What the noise index was chosen by.
+struct IndexTrial {
+  int noise_index;
+  Removal removal;
+  double doubt;
+};
 
 struct Measured {
   Size size;
   std::optional<NoiseByScale> luma;
   std::optional<ChromaNoise> chroma;  // first is V: frames are NV21
   std::optional<int> noise_index;
+  std::optional<IndexTrial> trial;
   std::optional<int> iso;
   std::optional<PatchPlanes> patch;
 };
 
 Measured measure(const std::string& path, const MeasureOptions& options,
-                 const NoiseCalibration& calibration) {
+                 const NoiseCalibration& calibration, const EngineSettings& settings) {
   const std::unique_ptr<PictureInput> input = PictureInput::open(path, options.read);
   const std::optional<Picture> picture = input->next();
   if (!picture) throw input_error(path, "holds no frame");
   const Nv21Frame frame = as_nv21(*picture, input->colour());
   const FrameView view = view_of(frame);
   Measured measured{
-      picture->size(), measure_luma_noise(view), measure_chroma_noise(view), {}, {}, {}};
+      picture->size(), measure_luma_noise(view), measure_chroma_noise(view), {}, {}, {}, {}};
   if (measured.chroma) {
-    measured.noise_index = noise_index_for(measured.chroma->estimate, calibration);
+    const double estimate = measured.chroma->estimate;
+    measured.noise_index = noise_index_for(estimate, calibration);
+    if (const std::optional<int> tried = index_to_try(estimate, calibration)) {
+      const Removal removal = try_noise_index(frame, *tried, settings);
+      measured.trial = IndexTrial{*tried, removal, doubt(*measured.chroma, removal)};
+      measured.noise_index = measured.trial->doubt < 0 ? *tried : 0;
+    }
   }
   measured.iso = exif_iso(picture->metadata.exif);
   if (options.patch) {
@@ -49,6 +66,32 @@ Measured measure(const std::string& path, const MeasureOptions& options,
 
 void print_scales(const char* plane, const NoiseByScale& noise) {
   std::printf("  %-14s%8.2f%8.2f%8.2f\n", plane, noise[0], noise[1], noise[2]);
+}
+
+void print_trial(const ChromaNoise& noise, const IndexTrial& trial) {
+  const Removal& removal = trial.removal;
+  std::printf("  %-14s%8d%s\n", "tried index", trial.noise_index,
+              trial.doubt < 0 ? "" : ": could remove texture");
+  std::printf("    %-12s%8.2f  (below 0: what it removes is noise)\n", "doubt", trial.doubt);
+  std::printf(
+      "    %-12s%8.2f  mean square; %.0f %% follows luma, %.0f %% of the chroma untouched\n",
+      "removed", removal.energy, 100 * removal.along_luma, 100 * removal.untouched);
+  std::printf("    %-12s%8.2f  of its strength with the texture that stays\n", "correlation",
+              removal.along_chroma);
+  std::printf("    %-12s%8.2f  quiet noise of the middle block's; %.0f %% each plane's own\n",
+              "purity", noise.purity, 100 * noise.own_share);
+  std::printf("    %-12s%8.2f  8 x 8 to 4 x 4; %.2f chroma to luma (logarithms)\n", "noise ratio",
+              noise.coarseness, noise.to_luma);
+}
+
+json_t* trial_json(const ChromaNoise& noise, const std::optional<IndexTrial>& trial) {
+  if (!trial) return json_null();
+  const Removal& removal = trial->removal;
+  return json_pack("{s:i,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f}", "noise_index",
+                   trial->noise_index, "doubt", trial->doubt, "removed", removal.energy,
+                   "untouched", removal.untouched, "along_luma", removal.along_luma, "along_chroma",
+                   removal.along_chroma, "quiet", noise.quiet, "purity", noise.purity, "own_share",
+                   noise.own_share, "coarseness", noise.coarseness, "to_luma", noise.to_luma);
 }
 
 void print_patch(const char* plane, const PatchNoise& noise) {
@@ -67,6 +110,7 @@ void print(const std::string& path, const Measured& measured) {
     std::printf("  %-14s%8.2f\n", "estimate", measured.chroma->estimate);
     std::printf("  %-14s%8d%s\n", "noise index", *measured.noise_index,
                 iso.empty() ? "" : (" (" + iso + ")").c_str());
+    if (measured.trial) print_trial(*measured.chroma, *measured.trial);
   } else {
     std::printf(
         "  too little that is neither clipped nor flat to measure noise in: %d blocks of "
@@ -102,6 +146,7 @@ json_t* picture_json(const std::string& path, const Measured& measured) {
       scales_json(chroma ? std::optional(chroma->first) : std::nullopt), "estimate",
       chroma ? json_real(chroma->estimate) : json_null(), "noise_index",
       whole(measured.noise_index), "exif_iso", whole(measured.iso));
+  json_object_set_new(json, "trial", chroma ? trial_json(*chroma, measured.trial) : json_null());
   if (measured.patch) {
     json_object_set_new(
         json, "patch",
@@ -114,12 +159,14 @@ json_t* picture_json(const std::string& path, const Measured& measured) {
 }  // namespace
 
 void run_measure(const MeasureOptions& options) {
-  const NoiseCalibration calibration = calibration_for(choose_tuning(options.tuning).text);
+  const LibraryLog log(LogLevel::kWarning);
+  const EngineSettings settings{{}, options.tuning.sensor, choose_tuning(options.tuning).text, {}};
+  const NoiseCalibration calibration = calibration_for(settings.tuning);
   const Json root(json_object());
   json_t* pictures = json_array();
   json_object_set_new(root.get(), "pictures", pictures);
   for (const std::string& path : options.inputs) {
-    const Measured measured = measure(path, options, calibration);
+    const Measured measured = measure(path, options, calibration, settings);
     if (options.json) {
       json_array_append_new(pictures, picture_json(path, measured));
     } else {

@@ -5,6 +5,7 @@
 #include "tools/files/failure.h"
 #include "tools/measure/frame_view.h"
 #include "tools/pictures/exif_iso.h"
+#include "tools/verbs/trial_run.h"
 
 namespace tool {
 
@@ -33,7 +34,8 @@ int NoiseIndexChoice::choose(const Nv21Frame& frame) {
     case NoiseIndexRequest::Source::kEstimate:
       break;
   }
-  const std::optional<int> index = tracker_.next(view_of(frame));
+  const std::optional<int> index = tracker_.next(
+      view_of(frame), [&](int tried) { return try_noise_index(frame, tried, settings_, calls_); });
   estimated_ = estimated_ || index;
   return index.value_or(0);
 }
@@ -52,6 +54,9 @@ std::string NoiseIndexChoice::text() const {
   text += !estimated_   ? " (too little to estimate it from; give --noise-index a number"
           : frames_ > 1 ? " (estimated for each frame"
                         : " (estimated";
+  if (frames_ == 1 && tracker_.refused()) {
+    text += "; " + std::to_string(*tracker_.refused()) + " could remove texture";
+  }
   if (iso_) text += "; Exif says ISO " + std::to_string(*iso_);
   return text + ")";
 }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/library/engine.h"
 #include "tools/measure/noise_index.h"
 #include "tools/pictures/picture.h"
 
@@ -22,8 +23,14 @@ struct NoiseIndexRequest {
 // For one file: a picture or the frames of a video, in order.
 class NoiseIndexChoice {
  public:
-  NoiseIndexChoice(const NoiseIndexRequest& request, std::string path, NoiseCalibration calibration)
-      : request_(request), path_(std::move(path)), tracker_(std::move(calibration)) {}
+  // Trials are run with these settings and calls.
+  NoiseIndexChoice(const NoiseIndexRequest& request, std::string path, EngineSettings settings,
+                   const LibraryCalls& calls)
+      : request_(request),
+        path_(std::move(path)),
+        settings_(std::move(settings)),
+        calls_(calls),
+        tracker_(calibration_for(settings_.tuning)) {}
 
   // `frame` holds the picture's pixels. Frames that nothing can be told about get 0. Throws an
   // input error when Exif's number is asked for and missing.
@@ -37,6 +44,8 @@ class NoiseIndexChoice {
 
   NoiseIndexRequest request_;
   std::string path_;
+  EngineSettings settings_;
+  LibraryCalls calls_;
   NoiseIndexTracker tracker_;
   std::optional<int> iso_;  // of the first picture
   int frames_ = 0;

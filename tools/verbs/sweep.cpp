@@ -46,7 +46,8 @@ class Sweep {
       }
     }
     before_ = read_frame(options.picture, options.read, picture_);
-    NoiseIndexChoice choice(options.noise_index, options.picture, calibration_for(tuning_.text));
+    NoiseIndexChoice choice(options.noise_index, options.picture,
+                            {{}, options.tuning.sensor, tuning_.text, {}}, {});
     noise_index_ = choice.next(picture_, before_);
     noise_index_text_ = choice.text();
     if (options.truth) read_truth();

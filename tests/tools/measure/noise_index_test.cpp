@@ -8,8 +8,10 @@
 #include "tests/support/source_path.h"
 #include "tests/tools/run_command.h"
 #include "tools/measure/frame_view.h"
+#include "tools/measure/noise_verdict.h"
 #include "tools/measure/patch_noise.h"
 #include "tools/pictures/noise_model.h"
+#include "tools/verbs/trial_run.h"
 
 namespace {
 
@@ -177,25 +179,83 @@ TEST(NoiseIndex, SampleTuningHoldsTheCalibrationOfTheProgram) {
   }
 }
 
+constexpr tool::Removal kNoiseWent{1, 0.1, 0.05, 0.1};
+constexpr tool::Removal kTextureWent{1, 0.1, 0.9, 0.95};
+
 TEST(NoiseIndex, FollowsAVideoSmoothly) {
+  const auto trial = [](int) { return kNoiseWent; };
   const Nv21Frame weak = paint(grey, noisy(2, 4), noisy(3, 4));
   const Nv21Frame strong = paint(grey, noisy(4, 16), noisy(5, 16));
   const Nv21Frame black = paint([](int, int) { return 0.0; }, noisy(2, 6), noisy(3, 6));
   tool::NoiseIndexTracker alone(tool::sample_calibration());
   tool::NoiseIndexTracker tracker(tool::sample_calibration());
-  EXPECT_EQ(tracker.next(view_of(black)), std::nullopt);
-  const std::optional<int> first = tracker.next(view_of(weak));
-  const std::optional<int> end = alone.next(view_of(strong));
+  EXPECT_EQ(tracker.next(view_of(black), trial), std::nullopt);
+  const std::optional<int> first = tracker.next(view_of(weak), trial);
+  const std::optional<int> end = alone.next(view_of(strong), trial);
   ASSERT_TRUE(first && end);
-  EXPECT_EQ(tracker.next(view_of(black)), first) << "holds where nothing can be measured";
+  EXPECT_EQ(tracker.next(view_of(black), trial), first) << "holds where nothing can be measured";
   int before = *first;
   for (int frame = 0; frame < 40; ++frame) {
-    const int index = *tracker.next(view_of(strong));
+    const int index = *tracker.next(view_of(strong), trial);
     EXPECT_GT(index, before - 1);
     EXPECT_LT(index, before * 1.6) << "no jump";
     before = index;
   }
   EXPECT_NEAR(before, *end, 0.05 * *end);
+}
+
+TEST(NoiseIndex, IsTriedNowAndThenAndGivenUpOnlyWhenTextureKeepsGoing) {
+  const Nv21Frame frame = paint(grey, noisy(2, 6), noisy(3, 6));
+  tool::NoiseIndexTracker tracker(tool::sample_calibration());
+  int trials = 0;
+  std::optional<tool::Removal> removal = kNoiseWent;
+  const auto next_second = [&] {
+    for (int i = 0; i < 31; ++i) static_cast<void>(tracker.next(view_of(frame), {}));
+    return *tracker.next(view_of(frame), [&](int) { return ++trials, removal; });
+  };
+  const int index = *tracker.next(view_of(frame), [&](int) { return removal; });
+  EXPECT_GT(index, 100);
+  removal = kTextureWent;
+  EXPECT_EQ(next_second(), index) << "once is no proof";
+  for (int i = 0; i < 8; ++i) static_cast<void>(next_second());
+  EXPECT_EQ(next_second(), 0);
+  EXPECT_EQ(tracker.refused(), index);
+  EXPECT_EQ(trials, 10);
+  removal = std::nullopt;
+  EXPECT_EQ(next_second(), 0) << "a trial that failed says nothing";
+}
+
+TEST(NoiseIndex, TexturedPictureIsLeftAndANoisyOneDenoised) {
+  // Blotches of about three samples as a picture has them that was scaled down, in luma too.
+  const auto grain = [](uint64_t seed, int x, int y) {
+    return noise(seed, x, y) + noise(seed, x + 1, y) + noise(seed, x, y + 1) +
+           noise(seed, x + 1, y + 1);
+  };
+  const auto cloth = [&](int x, int y) { return grain(7, x / 2, y / 2) * (y % 96 < 32 ? 1 : 3); };
+  const Painter luma = [&](int x, int y) { return 120 + 6 * cloth(x / 2, y / 2); };
+  const auto plane = [&](double along, double own, uint64_t seed) -> Painter {
+    return [=](int x, int y) { return 128 + along * cloth(x, y) + own * grain(seed, x, y); };
+  };
+  const struct {
+    const char* what;
+    Nv21Frame frame;
+    bool is_noise;
+  } kCases[] = {
+      {"texture", paint(luma, plane(1.5, 0.5, 8), plane(-1, 0.5, 9)), false},
+      {"texture and a little noise", paint(luma, plane(1.5, 1, 8), plane(-1, 1, 9)), false},
+      {"flat and noisy", paint(grey, noisy(2, 6), noisy(3, 6)), true},
+      {"flat and very noisy", paint(grey, noisy(2, 20), noisy(3, 20)), true},
+  };
+  const std::string tuning = read_text(source_path("tuning/samples/vorel_NOTHING.json"));
+  for (const auto& test : kCases) {
+    const auto measured = tool::measure_chroma_noise(view_of(test.frame));
+    ASSERT_TRUE(measured) << test.what;
+    for (const int index : {100, 200, 800}) {
+      const tool::Removal removal = tool::try_noise_index(test.frame, index, {{}, 0, tuning, {}});
+      const double found = tool::doubt(*measured, removal);
+      EXPECT_EQ(found < 0, test.is_noise) << test.what << ", " << index << ": " << found;
+    }
+  }
 }
 
 TEST(PatchNoise, TellsCoarseFromFine) {

@@ -249,10 +249,10 @@ TEST_F(Denoise, NoiseIndexComesFromWhereItIsSaidToCome) {
 
 TEST(NoiseIndexChoice, SaysWhereTheNumberComesFrom) {
   const Nv21Frame small = patterned_frame(16, 4);
-  tool::NoiseIndexChoice choice({}, "a.y4m", tool::sample_calibration());
+  tool::NoiseIndexChoice choice({}, "a.y4m", {}, {});
   EXPECT_EQ(choice.next({small, {}}, small), 0);
   EXPECT_THAT(choice.text(), HasSubstr("0 (too little"));
-  tool::NoiseIndexChoice number({Source::kNumber, 300}, "a.y4m", tool::sample_calibration());
+  tool::NoiseIndexChoice number({Source::kNumber, 300}, "a.y4m", {}, {});
   EXPECT_EQ(number.next({small, {}}, small), 300);
   EXPECT_EQ(number.text(), "300");
 }
