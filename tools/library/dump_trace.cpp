@@ -99,6 +99,7 @@ DumpTrace trace_pixel(const std::string& directory, const std::vector<DumpFile>&
     order = file->order;
     has_spatial |= file->scale == 16;
     for (const DumpPlane& plane : read_dump_planes(*file)) {
+      if (plane.samples.empty()) continue;  // chroma of a frame with one row
       const auto component = static_cast<size_t>(plane.component);
       const double value = sample_at(*file, plane, pixel, is_packed);
       trace.steps.back().values[component] = value;

@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "tools/files/json_text.h"
-#include "tools/measure/chart_table.h"
+#include "tools/measure/chart_json.h"
 
 namespace tool {
 namespace {

@@ -5,7 +5,6 @@
 #include "tools/files/failure.h"
 #include "tools/files/input_file.h"
 #include "tools/files/printable.h"
-#include "tools/measure/chart_table.h"
 #include "tools/measure/distance_table.h"
 #include "tools/pictures/colour.h"
 #include "tools/report/chart_layout.h"
@@ -176,6 +175,11 @@ void run_compare(const CompareOptions& options) {
 
   if (options.page) {
     page.tables = {distance_figures(names.front(), distances)};
+    for (size_t i = 0; i < charts.size(); ++i) {
+      for (Table& table : chart_tables(names[i + 1], charts[i])) {
+        page.tables.push_back(std::move(table));
+      }
+    }
     write_text_file(*options.page, page_html(page));
   }
   if (options.json) {
@@ -186,7 +190,9 @@ void run_compare(const CompareOptions& options) {
               frame_count > 1 ? (", " + std::to_string(frame_count) + " frames").c_str() : "");
   std::fputs(distance_table(distances).c_str(), stdout);
   for (size_t i = 0; i < charts.size(); ++i) {
-    std::printf("%s\n%s", printable(names[i + 1]).c_str(), chart_table(charts[i]).c_str());
+    for (const Table& table : chart_tables(names[i + 1], charts[i])) {
+      std::printf("\n%s\n%s", printable(table.title).c_str(), table_text(table).c_str());
+    }
   }
   if (options.output) std::printf("  side by side in %s\n", options.output->c_str());
   if (options.page) std::printf("  page in %s\n", options.page->c_str());

@@ -1,5 +1,8 @@
 #include "tools/verbs/compare_charts.h"
 
+#include <cstdio>
+#include <optional>
+
 #include "tools/measure/patch_noise.h"
 #include "tools/report/chart_layout.h"
 #include "tools/verbs/verb_options.h"
@@ -29,6 +32,27 @@ NamedEdge measure_edge(const Nv21Frame& frame, const Nv21Frame& reference, const
           edge_width(reference, area, is_vertical)};
 }
 
+std::string cell(double figure) {
+  char text[32];
+  std::snprintf(text, sizeof(text), "%.2f", figure);
+  return text;
+}
+
+// With one decimal.
+std::string short_cell(const std::optional<double>& figure) {
+  if (!figure) return "-";
+  char text[32];
+  std::snprintf(text, sizeof(text), "%.1f", *figure);
+  return text;
+}
+
+std::string change_cell(const std::optional<double>& change, const char* unit) {
+  if (!change) return "-";
+  char text[32];
+  std::snprintf(text, sizeof(text), "%+.1f%s", *change, unit);
+  return text;
+}
+
 }  // namespace
 
 bool measures_charts(const CompareOptions& options) {
@@ -48,6 +72,30 @@ ChartFigures measure_chart(const CompareOptions& options, const Nv21Frame& frame
     figures.edges.push_back(measure_edge(frame, reference, edge));
   }
   return figures;
+}
+
+std::vector<Table> chart_tables(const std::string& picture, const ChartFigures& figures) {
+  std::vector<Table> tables;
+  if (!figures.patches.empty()) {
+    Table table{picture + ": patches, in 8-bit steps of chroma",
+                {"patch", "deviation", "below 1/16", "shift", "hue, deg", "saturation"},
+                {}};
+    for (const auto& [name, patch] : figures.patches) {
+      table.rows.push_back({name, cell(patch.deviation),
+                            short_cell(100 * patch.coarse_share) + " %", cell(patch.shift),
+                            change_cell(patch.hue_shift, ""),
+                            change_cell(patch.saturation_shift, " %")});
+    }
+    tables.push_back(std::move(table));
+  }
+  if (!figures.edges.empty()) {
+    Table table{picture + ": edges, pixels from 10 to 90 %", {"edge", "width", "truth"}, {}};
+    for (const NamedEdge& edge : figures.edges) {
+      table.rows.push_back({edge.name, short_cell(edge.width), short_cell(edge.reference_width)});
+    }
+    tables.push_back(std::move(table));
+  }
+  return tables;
 }
 
 }  // namespace tool

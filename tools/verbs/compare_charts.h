@@ -3,8 +3,10 @@
 #define VOREL_TOOLS_VERBS_COMPARE_CHARTS_H_
 
 #include <string>
+#include <vector>
 
 #include "tools/measure/chart_figures.h"
+#include "tools/report/table.h"
 #include "tools/verbs/compare.h"
 
 namespace tool {
@@ -16,6 +18,10 @@ namespace tool {
 [[nodiscard]] ChartFigures measure_chart(const CompareOptions& options, const Nv21Frame& frame,
                                          const Nv21Frame& reference,
                                          const std::string& reference_name);
+
+// The patches and the edges of a picture, when there are any.
+[[nodiscard]] std::vector<Table> chart_tables(const std::string& picture,
+                                              const ChartFigures& figures);
 
 }  // namespace tool
 

@@ -130,9 +130,9 @@ TEST(Chart, CompareMeasuresIt) {
   const CommandResult text = run_vorel({"compare", chart, "--chart"});
   EXPECT_EQ(text.status, 0) << text.err;
   EXPECT_THAT(text.out, HasSubstr("against the chart (1600 x 1062)"));
-  EXPECT_THAT(text.out, testing::ContainsRegex("\n  red +0.00 +0.0 % +0.00 +[+]0.0 +[+]0.0 %\n"));
-  EXPECT_THAT(text.out, testing::ContainsRegex("\n  grey 80 +0.00 +0.0 % +0.00 +- +-\n"));
-  EXPECT_THAT(text.out, testing::ContainsRegex("\n  red / grey +1.6 +1.6\n"));
+  EXPECT_THAT(text.out, testing::ContainsRegex("\nred +0.00 +0.0 % +0.00 +[+]0.0 +[+]0.0 %\n"));
+  EXPECT_THAT(text.out, testing::ContainsRegex("\ngrey 80 +0.00 +0.0 % +0.00 +- +-\n"));
+  EXPECT_THAT(text.out, testing::ContainsRegex("\nred / grey +1.6 +1.6\n"));
   const CommandResult json = run_vorel(
       {"compare", chart, chart, "--json", "--patch", "8,8,40,40", "--patch", "40,40,20,20"});
   EXPECT_EQ(json.status, 0) << json.err;
@@ -143,8 +143,8 @@ TEST(Chart, CompareMeasuresIt) {
   const CommandResult edges = run_vorel({"compare", chart, chart, "--edge", "1120,40,160,80",
                                          "--edge", "1464,40,100,224", "--edge", "40,40,100,80"});
   EXPECT_EQ(edges.status, 0) << edges.err;
-  EXPECT_THAT(edges.out, testing::ContainsRegex("1120,40,160,80 +1.6 +1.6\n +1464,40,100,224 +1.6 "
-                                                "+1.6\n +40,40,100,80 +- +-\n"));
+  EXPECT_THAT(edges.out, testing::ContainsRegex("1120,40,160,80 +1.6 +1.6\n1464,40,100,224 +1.6 "
+                                                "+1.6\n40,40,100,80 +- +-\n"));
 
   const std::string small = directory / "small.png";
   save(small, gradient_picture(64, 48));
