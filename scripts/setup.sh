@@ -6,6 +6,7 @@
 #     check   the other checks on this machine (format, sanitizers, fuzzing, ABI, Android)
 #     package Debian packages, and trying them in a system of their own (scripts/package.sh)
 #     measure what scripts/noise_index_table.py needs
+#     compare what scripts/compare_filters.sh needs
 #     arm     building for 64-bit Arm and running it in emulation
 set -euo pipefail
 
@@ -24,6 +25,8 @@ check_packages=(
 package_packages=(dpkg-dev python3-minimal gzip lintian debootstrap qemu-user-static)
 
 measure_packages=(python3-numpy python3-pil)
+
+compare_packages=(ffmpeg python3-opencv python3-numpy)
 
 # Libraries that exist for both machines at once must have one version, so both are named: apt then
 # brings an older twin up to date.
@@ -69,6 +72,7 @@ for group in "$@"; do
     check) wanted+=("${check_packages[@]}") ;;
     package) wanted+=("${package_packages[@]}") ;;
     measure) wanted+=("${measure_packages[@]}") ;;
+    compare) wanted+=("${compare_packages[@]}") ;;
     arm)
       arm=true
       wanted+=(qemu-user)
