@@ -30,34 +30,40 @@ if [ ${#pictures[@]} -eq 0 ]; then
 fi
 
 # The levels between them lie in equal ratios.
-gains=100,400,1600,6400,25600,102400
-"$vorel" tune "${pictures[@]}" --clean --noise-index $gains --spatial on \
-  --output "$work/tuned.json" --report "$work/report.txt" --date "$(date +%F)" --quiet
+tune() {
+  "$vorel" tune "${pictures[@]}" --clean --noise-index 100,400,1600,6400,25600,102400 "$@" \
+    --date "$(date +%F)" --quiet
+}
+tune --spatial on --output "$work/tuned.json" --report "$work/report.txt"
+tune --no-wavelet --output "$work/alone.json" --report "$work/alone.txt"
 
-python3 - "$work/tuned.json" <<'PYTHON'
+python3 - "$work/tuned.json" "$work/alone.json" <<'PYTHON'
 import json
 import re
 import sys
 
-tuned = json.load(open(sys.argv[1], encoding="utf-8"))[-1]
+tuned, alone = (json.load(open(path, encoding="utf-8"))[-1] for path in sys.argv[1:])
 
 
 def spelled(values):
     return "[" + ", ".join(map(str, values)) + "]"
 
 
-for name in ("NOTHING", "WT1200"):  # the second sensor has half the noise: levels are doubled
+# The second sensor has half the noise, so its levels are doubled; the third has no wavelet path.
+for name, found, sections in (("NOTHING", tuned, ("interleaving_tuning", "MFD_UV_tuning")),
+                              ("WT1200", tuned, ("interleaving_tuning", "MFD_UV_tuning")),
+                              ("WT1240", alone, ("interleaving_tuning",))):
     path = f"tuning/samples/vorel_{name}.json"
     text = open(path, encoding="utf-8").read()
     count = len(json.loads(text)[-1]["noiseIndex_values"])
-    for section in ("interleaving_tuning", "MFD_UV_tuning"):
-        for key, values in tuned[section].items():
+    for section in sections:
+        for key, values in found[section].items():
             if not isinstance(values, list):
                 continue
             values = (values + count * values[-1:])[:count]
             text = re.sub(rf'("{key}": )\[[^]]*\]', lambda m: m[1] + spelled(values), text)
-    date = tuned["CNRTuningSetfile"]["Date"]
+    date = found["CNRTuningSetfile"]["Date"]
     text = re.sub(r'("Date": )"[^"]*"', lambda m: f'{m[1]}"{date}"', text)
     open(path, "w", encoding="utf-8").write(text)
 PYTHON
-cat "$work/report.txt"
+cat "$work/report.txt" "$work/alone.txt"

@@ -143,8 +143,8 @@ show saturation 2180,960,320,240 1
 
 row=("$(noisy 8)")
 variant 8 d_uv_8 "${alone[@]}" d_uv=8
-variant 8 d_uv_64 "${alone[@]}"
-variant 8 d_uv_128 "${alone[@]}" d_uv=128 cs=192 cs_lower=144
+variant 8 d_uv_sample "${alone[@]}"
+variant 8 cs_192 "${alone[@]}" cs=192 cs_lower=144
 show spatial $blade 2
 
 row=("$(noisy 8)")

@@ -67,18 +67,21 @@ std::string scene_table(const TuneResult& result) {
 
 std::string value_table(const TuningValues& values) {
   std::string text =
-      "\nnoise index   denoiseThrChroma0 to 4                   d_UV  d_Y     chroma noise\n";
+      "\nnoise index   denoiseThrChroma0 to 4                   d_UV   cs       d_Y    chroma "
+      "noise\n";
   for (const LevelValues& level : values.levels) {
     append(text, "%-12d", level.noise_index);
     for (const double threshold : level.thresholds) append(text, "  %6.4g", threshold);
-    append(text, "   %4d  %d,%d", level.spatial.d_uv, level.spatial.d_y_upper,
-           level.spatial.d_y_lower);
-    if (level.chroma_noise) append(text, "     %.3g", *level.chroma_noise);
+    const SpatialValues& spatial = level.spatial;
+    append(text, "   %4d  %3d,%3d  %2d,%d", spatial.d_uv, spatial.cs_upper, spatial.cs_lower,
+           spatial.d_y_upper, spatial.d_y_lower);
+    if (level.chroma_noise) append(text, "    %.3g", *level.chroma_noise);
     text += level.interpolated ? "   (between its neighbours: nothing was captured here)\n" : "\n";
   }
   if (!values.spatial_path) {
     text += "spatial path: off; it gains nothing here that is worth its time\n";
   }
+  if (!values.wavelet_path) text += "wavelet path: off; its thresholds are for switching it on\n";
   if (!values.levels.front().chroma_noise) {
     text += "no chromaNoise_values: the captures' noise could not be estimated, or does not rise\n";
   }

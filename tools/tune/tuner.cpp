@@ -11,6 +11,7 @@
 #include "tools/tune/luma_fit.h"
 #include "tools/tune/parallel.h"
 #include "tools/tune/progress.h"
+#include "tools/tune/spatial_fit.h"
 
 namespace tool {
 namespace {
@@ -23,6 +24,7 @@ constexpr char kBuiltIn[] = R"([{"CNRTuningSetfile": {"Date": ""}, "enableNoiseI
 // Rough times of the steps against each other, for the time that is left.
 constexpr double kLoadWork = 3.0;
 constexpr double kMeasureWork = 2.0;
+constexpr double kSpatialWork = 12.0;
 constexpr double kTrialWork = 1.0;
 
 std::string open_gate(TuningValues values) {
@@ -48,6 +50,7 @@ class Tuner {
     if (settings_.fit.spatial != SpatialChoice::kOff) search_blends();
     result_.values = fit(everything());
     if (settings_.goal == Goal::kCiede2000 && !stopped()) refine_colours();
+    if (!settings_.wavelet) fit_spatial_alone();
     if (settings_.luma && !stopped()) fit_luma(measured_, result_.values);
     try_tunings();
     if (!stopped()) hold_out_scenes();
@@ -64,7 +67,9 @@ class Tuner {
 
   static double expected_work(size_t count, const TuneSettings& settings) {
     const double blends = settings.fit.spatial == SpatialChoice::kOff ? 1.0 : 3.0;
-    return static_cast<double>(count) * (kLoadWork + blends * kMeasureWork + 6.0 * kTrialWork);
+    const double alone = settings.wavelet ? 0.0 : kSpatialWork;
+    return static_cast<double>(count) *
+           (kLoadWork + blends * kMeasureWork + alone + 6.0 * kTrialWork);
   }
 
   [[nodiscard]] bool stopped() const { return Interruption::requested(); }
@@ -127,6 +132,15 @@ class Tuner {
     refine_for_colour_difference(everything(), settings_.fit.prices, result_.values);
   }
 
+  void fit_spatial_alone() {
+    for_each_in_parallel(measured_.size(), [&](size_t i) {
+      if (stopped()) return;
+      measure_spatial_path(measured_[i]);
+      progress_.done("measuring the spatial path", kSpatialWork);
+    });
+    fit_spatial_path(everything(), result_.values);
+  }
+
   void try_tunings() {
     const std::string texts[] = {kBuiltIn, kSampleTuning, open_gate(start_values_),
                                  open_gate(result_.values)};
@@ -168,6 +182,7 @@ class Tuner {
     if (settings_.goal == Goal::kCiede2000) {
       refine_for_colour_difference(others, settings_.fit.prices, values);
     }
+    if (!settings_.wavelet) fit_spatial_path(others, values);
     const std::string text = open_gate(values);
     for (size_t i = 0; i < measured_.size(); ++i) {
       const Capture& capture = measured_[i].capture;

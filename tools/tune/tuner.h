@@ -17,7 +17,8 @@ struct TuneSettings {
   CaptureSettings captures;
   FitSettings fit;
   Goal goal = Goal::kChromaPsnr;
-  bool luma = false;  // tune the luma keys too
+  bool luma = false;    // tune the luma keys too
+  bool wavelet = true;  // else the spatial path on its own; fit.spatial is kOff then
   std::string date;
 };
 

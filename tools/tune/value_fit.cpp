@@ -91,9 +91,28 @@ bool may_follow(const SpatialValues& low, const SpatialValues& high) {
   return low.d_uv <= high.d_uv && low.cs_upper <= high.cs_upper && low.cs_lower <= high.cs_lower;
 }
 
-// The cheapest blend of every level such that none is weaker than its lower neighbour's.
-std::vector<size_t> cheapest_rising(const std::vector<std::vector<double>>& costs) {
-  const std::vector<SpatialValues>& blends = spatial_candidates();
+std::vector<size_t> choose_blends(const std::vector<Level>& levels, const FitSettings& settings) {
+  const std::vector<std::vector<double>> costs = blend_costs(levels, settings);
+  std::vector<size_t> chosen = cheapest_rising(costs, spatial_candidates());
+  if (settings.spatial != SpatialChoice::kAuto) return chosen;
+  double gain = 0.0;
+  for (size_t i = 0; i < levels.size(); ++i) gain += costs[i][0] - costs[i][chosen[i]];
+  if (gain < kSpatialGain * static_cast<double>(levels.size())) {
+    chosen.assign(levels.size(), 0);
+  }
+  return chosen;
+}
+
+}  // namespace
+
+const std::vector<SpatialValues>& spatial_candidates() {
+  static const std::vector<SpatialValues> kBlends = {{},           {4, 48, 36},  {8, 48, 36},
+                                                     {16, 48, 36}, {32, 48, 36}, {64, 48, 36}};
+  return kBlends;
+}
+
+std::vector<size_t> cheapest_rising(const std::vector<std::vector<double>>& costs,
+                                    const std::vector<SpatialValues>& blends) {
   std::vector<std::vector<double>> sums = costs;
   std::vector<std::vector<size_t>> came_from(costs.size(), std::vector<size_t>(blends.size()));
   for (size_t level = 1; level < costs.size(); ++level) {
@@ -114,26 +133,6 @@ std::vector<size_t> cheapest_rising(const std::vector<std::vector<double>>& cost
     chosen[level - 1] = came_from[level][chosen[level]];
   }
   return chosen;
-}
-
-std::vector<size_t> choose_blends(const std::vector<Level>& levels, const FitSettings& settings) {
-  const std::vector<std::vector<double>> costs = blend_costs(levels, settings);
-  std::vector<size_t> chosen = cheapest_rising(costs);
-  if (settings.spatial != SpatialChoice::kAuto) return chosen;
-  double gain = 0.0;
-  for (size_t i = 0; i < levels.size(); ++i) gain += costs[i][0] - costs[i][chosen[i]];
-  if (gain < kSpatialGain * static_cast<double>(levels.size())) {
-    chosen.assign(levels.size(), 0);
-  }
-  return chosen;
-}
-
-}  // namespace
-
-const std::vector<SpatialValues>& spatial_candidates() {
-  static const std::vector<SpatialValues> kBlends = {{},           {4, 48, 36},  {8, 48, 36},
-                                                     {16, 48, 36}, {32, 48, 36}, {64, 48, 36}};
-  return kBlends;
 }
 
 MeasuredCapture::MeasuredCapture(Capture capture_)

@@ -28,6 +28,7 @@ struct MeasuredCapture {
 
   Capture capture;
   std::vector<std::unique_ptr<CaptureCurves>> curves;
+  std::vector<double> spatial_costs;   // of the blends that spatial_fit.h tries
   std::optional<double> chroma_noise;  // what `vorel measure` estimates; frames may be too small
 };
 
@@ -37,6 +38,12 @@ void measure_blend(MeasuredCapture& measured, size_t candidate);
 // Levels of these captures, fitted together, with what the blends measured so far allow.
 [[nodiscard]] TuningValues fit_values(const std::vector<const MeasuredCapture*>& captures,
                                       const FitSettings& settings);
+
+// The blend of every level, as an index, that costs least in sum while none is weaker than its
+// lower neighbour's. `costs` has a row for each level, from the lowest, and a column for each
+// blend.
+[[nodiscard]] std::vector<size_t> cheapest_rising(const std::vector<std::vector<double>>& costs,
+                                                  const std::vector<SpatialValues>& blends);
 
 // Where the search starts: what the noise suggests, without the spatial path.
 [[nodiscard]] TuningValues start_values(const std::vector<const MeasuredCapture*>& captures);

@@ -58,17 +58,29 @@ Verb add_tune_verb(CLI::App& app) {
       ->option_text("PICTURE");
   verb.add_flag("--burst", options->is_burst, "the pictures are frames of one still scene");
   verb.add_flag("--clean", options->is_clean, "the pictures are clean: noise is made on them");
-  verb.add_option_function<std::string>(
-          "--objective", [&settings](const std::string& text) { settings.goal = kGoals.at(text); },
-          "what to tune for: chroma PSNR (psnr, the default) or mean colour difference")
-      ->option_text("psnr|ciede2000")
-      ->check(CLI::IsMember({"psnr", "ciede2000"}));
-  verb.add_option_function<std::string>(
-          "--spatial",
-          [&settings](const std::string& text) { settings.fit.spatial = kSpatial.at(text); },
-          "the spatial path: where it pays (auto, the default), on all levels, or never")
-      ->option_text("auto|on|off")
-      ->check(CLI::IsMember({"auto", "on", "off"}));
+  CLI::Option* objective =
+      verb.add_option_function<std::string>(
+              "--objective",
+              [&settings](const std::string& text) { settings.goal = kGoals.at(text); },
+              "what to tune for: chroma PSNR (psnr, the default) or mean colour difference")
+          ->option_text("psnr|ciede2000")
+          ->check(CLI::IsMember({"psnr", "ciede2000"}));
+  CLI::Option* spatial =
+      verb.add_option_function<std::string>(
+              "--spatial",
+              [&settings](const std::string& text) { settings.fit.spatial = kSpatial.at(text); },
+              "the spatial path: where it pays (auto, the default), on all levels, or never")
+          ->option_text("auto|on|off")
+          ->check(CLI::IsMember({"auto", "on", "off"}));
+  verb.add_flag_callback(
+          "--no-wavelet",
+          [&settings] {
+            settings.wavelet = false;
+            settings.fit.spatial = SpatialChoice::kOff;
+          },
+          "tune the spatial path alone, for a file that leaves the wavelet path off")
+      ->excludes(objective)
+      ->excludes(spatial);
   verb.add_flag("--luma", settings.luma, "tune the luma keys too; else luma stays untouched");
   verb.add_option("--date", settings.date, "Date of the file (today is the default)")
       ->option_text("TEXT")

@@ -120,6 +120,26 @@ TEST_F(TuneVerb, OtherObjectivesAndKeysOnRequest) {
   EXPECT_THAT(read_text(out), HasSubstr("\"enable\": 1,\n    \"noiseIndex_values\": [3200]"));
 }
 
+TEST_F(TuneVerb, TunesTheSpatialPathAlone) {
+  const CommandResult run =
+      run_vorel(with({"--clean", "-n", "100,6400", "-o", out, "--no-wavelet"}));
+  ASSERT_EQ(run.status, 0) << run.err;
+  const std::string tuned = read_text(out);
+  EXPECT_THAT(tuned, HasSubstr("\"MFD_UV_tuning\": {\n      \"enable\": 0,"));
+  EXPECT_EQ(run_vorel({"check", "--strict", out}).status, 0) << tuned;
+  // Strong noise asks for more than weak noise.
+  std::vector<int> cs_upper(7);
+  const size_t table = tuned.find("\"cs_upper_thresh_table\"");
+  ASSERT_EQ(
+      std::sscanf(tuned.c_str() + table, "\"cs_upper_thresh_table\": [%d, %d, %d, %d, %d, %d, %d]",
+                  &cs_upper[0], &cs_upper[1], &cs_upper[2], &cs_upper[3], &cs_upper[4],
+                  &cs_upper[5], &cs_upper[6]),
+      7)
+      << tuned;
+  EXPECT_TRUE(std::is_sorted(cs_upper.begin(), cs_upper.end())) << tuned;
+  EXPECT_LT(cs_upper.front(), cs_upper.back()) << tuned;
+}
+
 TEST_F(TuneVerb, DryRunAndBadUsageWriteNothing) {
   const CommandResult dry = run_vorel(with({"--clean", "-n", "100,200", "--dry-run"}));
   EXPECT_EQ(dry.status, 0) << dry.err;
