@@ -1,5 +1,6 @@
 #include "tools/pictures/y4m_file.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <sstream>
@@ -74,7 +75,9 @@ void Y4mReader::count_frames(size_t header_bytes) {
   const std::optional<uint64_t> length = file_.length();
   if (!length) return;
   const size_t frame = sizeof(kFrameMagic) + frame_bytes(size_);  // line end instead of terminator
-  expected_frames_ = static_cast<int>((*length - header_bytes) / frame);
+  // The header may end with the file instead of a line.
+  expected_frames_ =
+      static_cast<int>((*length - std::min<uint64_t>(*length, header_bytes)) / frame);
 }
 
 std::optional<Picture> Y4mReader::next() {

@@ -326,6 +326,8 @@ TEST(PictureIo, Y4mKeepsEveryFrameAndItsHeader) {
 
 TEST(PictureIo, Y4mPlanesComeOutInTheirOrder) {
   const TestDirectory directory;
+  write_text(directory / "v.y4m", "YUV4MPEG2 W2 H2 F1:1");
+  EXPECT_EQ(tool::PictureInput::open(directory / "v.y4m", {})->expected_frames(), 0);
   write_text(directory / "v.y4m", "YUV4MPEG2 W2 H2 F1:1\nFRAME Xtag\nYYYYUV");
   const Picture picture = tool::read_picture(directory / "v.y4m", {});
   EXPECT_THAT(frame(picture).data, testing::ElementsAre('Y', 'Y', 'Y', 'Y', 'V', 'U'));
