@@ -28,7 +28,7 @@ vorel_object_library(vorel_convert ${VOREL_CONVERT_SOURCES})
 vorel_object_library(vorel_wavelet ${VOREL_WAVELET_SOURCES})
 vorel_object_library(vorel_core ${VOREL_CORE_SOURCES} ${VOREL_CORE_KERNEL_SOURCES})
 target_link_libraries(vorel_core PUBLIC PkgConfig::JANSSON)
-set_source_files_properties(core/lifecycle.cpp PROPERTIES COMPILE_DEFINITIONS
+set_source_files_properties(core/make_handle.cpp PROPERTIES COMPILE_DEFINITIONS
   "${VOREL_BUILD_INFO}")
 
 foreach(target vorel_filters vorel_convert vorel_wavelet)

@@ -52,4 +52,8 @@ for program in c/build/{denoise_frames,camera_buffer,two_cameras} c/by_pkg_confi
     cpp/build/filter_plane cpp/by_pkg_config; do
   "$work/$program" 2>"$work/log" || { cat "$work/log"; fail "$program failed"; }
 done
+version=$("$prefix/bin/vorel" --version)
+"$work/c/by_pkg_config" >/dev/null 2>"$work/log"
+grep -qF "CommitID $(sed 's/.*commit \([^,]*\), .*/\1/' <<<"$version") " "$work/log" ||
+  fail "the library's log does not name the commit of $version"
 echo "install: library, package and examples work from another place"

@@ -41,7 +41,8 @@ ldconfig -p | grep -q libvorel.so.1
 install ./libvorel-dev_*.deb ./gstreamer1.0-vorel_*.deb
 examples=/usr/share/doc/libvorel-dev/examples/c
 gcc -std=c99 -Wall -Wextra -Werror -o denoise_frames $examples/main.c $(pkg-config --cflags --libs vorel)
-./denoise_frames >/dev/null
+./denoise_frames >/dev/null 2>../frames.log
+grep -qF "CommitID $(vorel --version | sed 's/.*commit \([^,]*\), .*/\1/') " ../frames.log
 say 'an example builds by gcc and pkg-config, and runs'
 gst-launch-1.0 -q videotestsrc num-buffers=1 ! video/x-raw,format=NV12 ! vorel noise-index=1600 ! \
   filesink location=frame.raw

@@ -36,6 +36,10 @@ class LoadTest : public testing::Test {
     return !changed_fields(defaults, tuning).empty();
   }
 
+  static auto descriptors() {
+    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+  }
+
   TempDir directory;
   ScopedEnv firmware{"VOREL_FIRMWARE_DIR", directory.path().c_str()};
   LogCapture log;
@@ -52,9 +56,6 @@ void* count_malloc(size_t bytes) {
 
 TEST_F(LoadTest, RefusesWhatIsNoFile) {
   const std::string refused = "Cannot open " + file().string();
-  const auto descriptors = [] {
-    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
-  };
   const auto open_before = descriptors();
   int refusals = 0;
   const auto expect_refusal = [&](const char* what) {
@@ -88,9 +89,11 @@ TEST_F(LoadTest, RefusesWhatIsNoFile) {
 }
 
 TEST_F(LoadTest, FollowsLinksToFiles) {
+  const auto open_before = descriptors();
   directory.write("other.json", "[{\"enable\": 0}]");
   fs::create_symlink(directory.path() / "other.json", file());
   EXPECT_TRUE(loads());
+  EXPECT_EQ(descriptors(), open_before);
 }
 
 TEST_F(LoadTest, HoldsPathsTo511Bytes) {
