@@ -26,7 +26,7 @@ std::string time_text(double seconds) {
 }  // namespace
 
 std::string progress_text(const char* unit, int done, std::optional<int> total, double seconds) {
-  const std::string count = std::string(unit) + " " + std::to_string(done);
+  std::string count = std::string(unit) + " " + std::to_string(done);
   if (!total || *total < 1) return count;
   const int known = std::min(done, *total);  // a file may hold more frames than its length tells
   const auto filled = static_cast<size_t>(int64_t{kBarWidth} * known / *total);
