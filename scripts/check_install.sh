@@ -29,7 +29,7 @@ for header in $(git ls-files 'include/*.h'); do
 done
 (cd "$work" && "$prefix/bin/vorel" --version) || fail "the installed command does not run"
 page=$(sed 's/\\-/-/g' "$prefix/share/man/man1/vorel.1")
-for verb in denoise noise compare tune check dump; do
+for verb in denoise noise compare sweep tune check dump; do
   for option in $("$prefix/bin/vorel" $verb --help | grep -oE -- '^  (-[a-z],)?--[a-z0-9-]+' | grep -oE -- '--[a-z0-9-]+$'); do
     [ "$option" = --help ] || grep -qF -- "$option" <<<"$page" || fail "the manual page lacks $verb $option"
   done

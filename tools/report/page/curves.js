@@ -12,6 +12,7 @@
     dark: ['#8ec2ff', '#ffab7a', '#63d8b8', '#d9a5f5', '#e3cf5a'],
   };
   const DASHES = [[], [8, 4], [2, 3], [8, 3, 2, 3], [4, 4]];
+  const MANY_POINTS = 30;
   const POINTS = ['circle', 'rect', 'triangle', 'rectRot', 'crossRot'];
 
   // 1, 2 and 5 in every power of ten.
@@ -39,6 +40,7 @@
     const ink = style.getPropertyValue('--ink').trim();
     const line = style.getPropertyValue('--line').trim();
     const colours = COLOURS[dark.matches ? 'dark' : 'light'];
+    const isDense = curves.x.length > MANY_POINTS;  // points would hide the lines
     return {
       type: 'line',
       data: {
@@ -48,7 +50,8 @@
           borderColor: colours[index % colours.length],
           backgroundColor: colours[index % colours.length],
           borderDash: DASHES[index % DASHES.length],
-          pointStyle: POINTS[index % POINTS.length],
+          pointStyle: isDense ? 'line' : POINTS[index % POINTS.length],
+          pointRadius: isDense ? 0 : 3,
           borderWidth: 2,
         })),
       },
@@ -56,9 +59,13 @@
         animation: false,
         maintainAspectRatio: false,
         interaction: {mode: 'index', intersect: false},
-        plugins: {legend: {labels: {color: ink, usePointStyle: true}}},
+        plugins: {legend: {labels: {color: ink, usePointStyle: true, pointStyleWidth: isDense ? 24 : undefined}}},
         scales: {
-          x: axis(curves.xTitle, curves.xLogarithmic, ink, line),
+          x: {
+            ...axis(curves.xTitle, curves.xLogarithmic, ink, line),
+            min: Math.min(...curves.x),
+            max: Math.max(...curves.x),
+          },
           y: axis(curves.yTitle, curves.yLogarithmic, ink, line),
         },
       },
