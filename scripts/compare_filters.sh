@@ -2,8 +2,8 @@
 # Other filters beside libvorel on the same noisy pictures: makes the tables of docs/comparison.md again.
 #   scripts/compare_filters.sh BUILD_DIR [OUTPUT_DIR]
 # The photographs come from Debian's packages, which are downloaded and unpacked below OUTPUT_DIR
-# (out/comparison). Everything runs on the first two processors. Takes half an hour on those;
-# ROUNDS (5) says how often each filter is timed.
+# (out/comparison). Everything runs on the first two processors. Takes some ten minutes; ROUNDS (5)
+# says how often each filter is timed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -35,26 +35,27 @@ class Ffmpeg:
         return np.frombuffer(done.stdout, np.uint8).reshape(chroma.shape)
 
     def seconds(self, chroma, setting, times):
-        """Processor time of all threads, as ffmpeg itself tells it."""
+        """Elapsed time and processor time of all threads, as ffmpeg itself tells them."""
         said = self.ffmpeg(chroma, setting, times, "null").stderr.decode()
-        return sum(float(re.search(rf"{what}time=([\d.]+)", said)[1]) for what in "us")
+        user, system, elapsed = (float(re.search(rf"{what}time=([\d.]+)", said)[1]) for what in "usr")
+        return np.array([elapsed, user + system])
 
     def milliseconds(self, luma, chroma, setting):
         """Of one frame. Reading it and starting up is what a run with the filter `null` takes."""
-        times = int(np.clip(.5 / max(self.seconds(chroma, setting, 1), .01), 1, 50))
-        filtered, read = (min(self.seconds(chroma, options, times) for _ in range(3))
+        times = int(np.clip(.5 / max(self.seconds(chroma, setting, 1)[0], .01), 1, 50))
+        filtered, read = (np.min([self.seconds(chroma, options, times) for _ in range(3)], axis=0)
                           for options in (setting, {}))
         return 1000 * (filtered - read) / times
 
 
 def timed(call, seconds=.3):
-    """Least processor time of a call in this process, all threads, milliseconds."""
+    """Least elapsed time of a call in this process, and least processor time, milliseconds."""
     begin, taken = time.perf_counter(), []
     while not taken or time.perf_counter() < begin + seconds:
-        start = time.process_time()
+        start = time.perf_counter(), time.process_time()
         call()
-        taken.append(time.process_time() - start)
-    return 1000 * min(taken)
+        taken.append((time.perf_counter() - start[0], time.process_time() - start[1]))
+    return 1000 * np.min(taken, axis=0)
 
 
 class OpenCv:
