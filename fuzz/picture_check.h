@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -21,7 +22,9 @@ void may_refuse(Body body) {
     body();
   } catch (const tool::Failure& failure) {
     const bool refused = failure.status() == tool::kBadInput || failure.status() == tool::kBadUsage;
-    if (!refused || failure.what()[0] == '\0') std::abort();
+    if (refused && failure.what()[0] != '\0') return;
+    std::fprintf(stderr, "status %d: \"%s\"\n", failure.status(), failure.what());
+    std::abort();
   }
 }
 

@@ -13,6 +13,11 @@ namespace {
 
 constexpr size_t kLongestName = 60;
 
+// As a command line can give one: it ends at a zero.
+std::string any_name(FuzzedDataProvider& input, const char* ending) {
+  return input.ConsumeRandomLengthString(kLongestName).c_str() + std::string(ending);
+}
+
 tool::ReadOptions any_options(FuzzedDataProvider& input) {
   tool::ReadOptions options;
   if (input.ConsumeBool()) {
@@ -34,8 +39,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   constexpr const char* kEndings[] = {".nv21", ".nm21", ".nv21_m", ".nv12", ".i420",
                                       ".yv12", ".raw",  ".yuv",    ""};
   const char* ending = input.PickValueInArray(kEndings);
-  const std::string name = input.ConsumeRandomLengthString(kLongestName) + ending;
-  const std::string other = input.ConsumeRandomLengthString(kLongestName);
+  const std::string name = any_name(input, ending);
+  const std::string other = any_name(input, "");
   for (const tool::Size found : tool::sizes_in_name(name)) {
     if (!tool::is_legal_size(found.width, found.height)) std::abort();
   }
