@@ -20,7 +20,7 @@ build_packages=(
 
 check_packages=(
   clang-format-19 clang-tidy-19 libclang-rt-19-dev abigail-tools binutils python3-minimal python3-jsonschema
-  soong android-libcutils-dev qemu-user chromium chromium-driver)
+  soong android-libcutils-dev qemu-user chromium chromium-driver cppcheck)
 
 package_packages=(dpkg-dev python3-minimal gzip lintian debootstrap qemu-user-static)
 
