@@ -52,16 +52,17 @@ std::vector<std::string> files_of(const std::string& path) {
   return files;
 }
 
-// Copies the file to the first free name beside it.
+// Copies the file to the first free name beside it; a copy that is cut short leaves nothing.
 std::string back_up(const std::string& path) {
-  for (int i = 0;; ++i) {
-    const std::string backup = path + ".bak" + (i > 0 ? std::to_string(i) : "");
-    std::error_code error;
-    if (fs::copy_file(path, backup, error)) return backup;
-    if (error != std::errc::file_exists) {
-      throw output_error(backup, "cannot be written: " + error.message());
-    }
+  std::string backup = path + ".bak";
+  for (int i = 1; fs::exists(fs::symlink_status(backup)); ++i) {
+    backup = path + ".bak" + std::to_string(i);
   }
+  const std::string text = read_text_file(path);
+  AtomicFile copy(backup);
+  copy.write(text);
+  copy.commit();
+  return backup;
 }
 
 void fix(CheckedFile& file, std::string& text) {
