@@ -17,7 +17,7 @@
 #     tsan      tests with the thread sanitizer
 #     arm       tests as 64-bit Arm code in emulation, on two processor models
 #     fuzz      the fuzz targets, FUZZ_SECONDS (30) each
-#     bench     every benchmark runs once
+#     bench     every benchmark runs once, or those that BENCH_FILTER names
 #     all       all of these
 # shellcheck disable=SC2317  # the check_ functions are called by name
 set -euo pipefail
@@ -128,7 +128,7 @@ check_fuzz() {
 
 check_bench() {
   configure_and_build host
-  build/host/bench/vorel_bench --benchmark_min_time=0.001
+  build/host/bench/vorel_bench --benchmark_min_time=0.001 --benchmark_filter="${BENCH_FILTER:-.}"
 }
 
 fast=(format includes host exports)
