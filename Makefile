@@ -31,7 +31,7 @@ bench-pair: build-host
 	scripts/bench_pair.sh '$(OLD)' $(BENCH_ARGS)
 
 check:
-	scripts/setup.sh build check arm
+	scripts/setup.sh build check page arm
 	scripts/check.sh all
 
 harden:

@@ -4,6 +4,7 @@
 #   scripts/setup.sh GROUP...
 #     build   make demo, make test, make bench
 #     check   the other checks on this machine (format, sanitizers, fuzzing, ABI, Android)
+#     page    the check of the command's pages in a browser
 #     package Debian packages, and trying them in a system of their own (scripts/package.sh)
 #     measure what scripts/noise_index_table.py needs
 #     compare what scripts/compare_filters.sh needs
@@ -20,7 +21,9 @@ build_packages=(
 
 check_packages=(
   clang-format-19 clang-tidy-19 libclang-rt-19-dev abigail-tools binutils python3-minimal python3-jsonschema
-  soong android-libcutils-dev qemu-user chromium chromium-driver cppcheck)
+  soong android-libcutils-dev qemu-user cppcheck)
+
+page_packages=(chromium chromium-driver)
 
 package_packages=(dpkg-dev python3-minimal gzip lintian debootstrap qemu-user-static)
 
@@ -37,7 +40,7 @@ arm_twins=(
   libgtest-dev libgmock-dev libbenchmark-dev)
 
 usage() {
-  sed -n '2,9s/^# \{0,1\}//p' "$0"
+  sed -n '2,11s/^# \{0,1\}//p' "$0"
   exit "${1:-0}"
 }
 
@@ -70,6 +73,7 @@ for group in "$@"; do
   case $group in
     build) wanted+=("${build_packages[@]}") ;;
     check) wanted+=("${check_packages[@]}") ;;
+    page) wanted+=("${page_packages[@]}") ;;
     package) wanted+=("${package_packages[@]}") ;;
     measure) wanted+=("${measure_packages[@]}") ;;
     compare) wanted+=("${compare_packages[@]}") ;;
