@@ -56,10 +56,22 @@ void start_writing(Rewriter& work, unsigned char*& bytes, unsigned long& count) 
   jpeg_copy_critical_parameters(&work.old_file.codec, &work.writer);
 }
 
+// The encoder divides by what the tables hold; some broken files have zeros there.
+bool has_whole_tables(const jpeg_decompress_struct& codec) {
+  for (const JQUANT_TBL* table : codec.quant_tbl_ptrs) {
+    if (table == nullptr) continue;
+    for (const UINT16 step : table->quantval) {
+      if (step == 0) return false;
+    }
+  }
+  return true;
+}
+
 bool read_old_planes(Rewriter& work) {
   if (setjmp(work.state.escape) != 0) return false;
   start_reading(work, work.old_file, work.original.data(), work.original.size());
   if (!read_sampling(work.old_file.codec, work.sampling)) return false;
+  if (!has_whole_tables(work.old_file.codec)) return false;
   read_planes(work.old_file.codec, work.before);
   jpeg_destroy_decompress(&work.old_file.codec);
   return true;

@@ -247,6 +247,22 @@ TEST(PictureIo, WhatFilesCarryTravelsBetweenKinds) {
   }
 }
 
+// The encoder would divide by it.
+TEST(PictureIo, JpegWithAZeroInItsTablesIsWrittenWithOthers) {
+  const TestDirectory directory;
+  std::string bytes = read_text(source_path("tests/tools/data/420.jpg"));
+  bytes[bytes.find("\xFF\xDB") + 20] = 0;
+  write_text(directory / "zero.jpg", bytes);
+  Picture picture = tool::read_picture(directory / "zero.jpg", {});
+  Nv21Frame changed = frame(picture);
+  changed.vu()[0] ^= 0x30;
+  picture.pixels = changed;
+  const auto output = tool::PictureOutput::open(directory / "o.jpg");
+  output->write(picture);
+  output->finish();
+  EXPECT_EQ(tool::read_picture(directory / "o.jpg", {}).size(), picture.size());
+}
+
 // Decodes both files' planes by reading them as pictures of their own; luma must be the same.
 TEST(PictureIo, JpegKeepsLumaTablesAndSamplingOfTheOneItComesFrom) {
   const TestDirectory directory;
