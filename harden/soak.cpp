@@ -5,7 +5,6 @@
 #include <android/log.h>
 #include <dlfcn.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/busy_loops.h"
 #include "tests/support/guarded_plane.h"
 #include "vorel/frame.h"
 
@@ -156,32 +156,6 @@ void soak_frames(const Library& library, const char* what, int width, int height
   ++g_wrong;
   std::printf("WRONG: the last of %s has other bytes than the first\n", what);
 }
-
-// Processes that only take time, until the object ends.
-class BusyLoops {
- public:
-  explicit BusyLoops(int count) {
-    for (int i = 0; i < count; ++i) {
-      const pid_t child = fork();
-      if (child == 0) {
-        for (volatile unsigned turns = 0;; turns = turns + 1) {
-        }
-      }
-      if (child > 0) children_.push_back(child);
-    }
-  }
-  ~BusyLoops() {
-    for (const pid_t child : children_) {
-      kill(child, SIGKILL);
-      waitpid(child, nullptr, 0);
-    }
-  }
-  BusyLoops(const BusyLoops&) = delete;
-  BusyLoops& operator=(const BusyLoops&) = delete;
-
- private:
-  std::vector<pid_t> children_;
-};
 
 void try_latency(const Library& library, int frames, bool judged) {
   using clock = std::chrono::steady_clock;

@@ -1,8 +1,5 @@
 // Frames of one libvorel.so, or of two in turn, as percentiles and costs per frame.
 #include <android/log.h>
-#include <signal.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -15,6 +12,7 @@
 #include <vector>
 
 #include "bench/bench_picture.h"
+#include "bench/busy_loops.h"
 #include "bench/pair/frame_cost.h"
 #include "bench/pair/loaded_library.h"
 
@@ -46,32 +44,6 @@ class TuningFolder {
 
  private:
   std::filesystem::path folder_;
-};
-
-// One process per processor that does nothing but run; ends with the object.
-class BusyLoops {
- public:
-  explicit BusyLoops(unsigned count) {
-    for (unsigned i = 0; i < count; ++i) {
-      const pid_t child = fork();
-      if (child == 0) {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        for (volatile unsigned turns = 0;;) turns = turns + 1;
-      }
-      if (child > 0) children_.push_back(child);
-    }
-  }
-  ~BusyLoops() {
-    for (const pid_t child : children_) {
-      kill(child, SIGKILL);
-      waitpid(child, nullptr, 0);
-    }
-  }
-  BusyLoops(const BusyLoops&) = delete;
-  BusyLoops& operator=(const BusyLoops&) = delete;
-
- private:
-  std::vector<pid_t> children_;
 };
 
 // One library with a handle, and what its frames have cost.
