@@ -77,7 +77,7 @@ void AtomicFile::open_beside() {
                              std::to_string(i) + ".tmp";
     if (access(name.c_str(), F_OK) == 0) continue;
     doomed_ = std::make_unique<DoomedPath>(name);
-    descriptor_ = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
+    descriptor_ = doomed_->create(kNewFileMode);
     if (descriptor_ >= 0) {
       temporary_ = name;
       return;
@@ -117,7 +117,11 @@ void AtomicFile::close_checked() {
 void AtomicFile::commit() {
   close_checked();
   if (temporary_.empty()) return;
-  if (rename(temporary_.c_str(), target_.c_str()) != 0) throw cannot_write(path_, errno);
+  if (rename(temporary_.c_str(), target_.c_str()) != 0) {
+    const int error = errno;
+    wait_while_ending();
+    throw cannot_write(path_, error);
+  }
   temporary_.clear();
   doomed_.reset();
 }
