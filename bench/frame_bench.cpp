@@ -33,6 +33,12 @@ class BenchHandle {
     benchmark::DoNotOptimize(vorel_denoise_frame(handle_, &frame, nullptr));
   }
 
+  // The picture of a frame that the gate lets pass, by the plain call: nothing to wait for.
+  void pass(int noise_index) {
+    benchmark::DoNotOptimize(vorel_run(handle_, frame_.data(), frame_.data() + size_.luma_bytes(),
+                                       size_.width, size_.height, VOREL_FMT_NV21, noise_index));
+  }
+
   // The record of a frame whose workers are up, for calling stages one by one.
   vorel_thread* hold_frame() {
     run(640);
@@ -76,7 +82,7 @@ void register_frame(const std::string& name, Paths paths) {
   register_for_frames("frame/gate", [](benchmark::State& state, const FrameSize& size) {
     BenchHandle handle(size, Paths::kBoth);
     handle.set_threshold(1000);
-    for (auto _ : state) handle.run(999);
+    for (auto _ : state) handle.pass(999);
   });
   return true;
 }();

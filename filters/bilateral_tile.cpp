@@ -17,14 +17,15 @@ inline float quotient(uint32_t value_sum, uint32_t weight_sum) {
          static_cast<float>(static_cast<int32_t>(weight_sum));
 }
 
-// One half is added in single precision in the plane's interior and in double precision at its
-// border. Only the quotient 0.5 - 2^-25 tells: 1 in the interior, 0 at the border.
 inline uint8_t interior_mean(uint32_t value_sum, uint32_t weight_sum) {
   return clamp_u8(float_to_int32(quotient(value_sum, weight_sum) + 0.5f));
 }
 
-inline uint8_t border_mean(uint32_t value_sum, uint32_t weight_sum) {
-  return clamp_u8(double_to_int32(double{quotient(value_sum, weight_sum)} + 0.5));
+// One half is added in single precision in the plane's interior and in double precision at its
+// border. Only the quotient 0.5 - 2^-25 tells: 1 in the interior, 0 at the border.
+inline uint8_t border_mean(uint8_t interior, uint32_t value_sum, uint32_t weight_sum) {
+  const bool told = interior == 1 && quotient(value_sum, weight_sum) == 0x1.fffffep-2f;
+  return told ? uint8_t{0} : interior;
 }
 
 // Sums of one row of the tile over one run of taps, with one byte of the range weights:
@@ -110,9 +111,9 @@ void add_polynomial(const tile_workspace& work, const bilateralfiltering_tuning&
 void store_row(const uint32_t* __restrict value_sums, const uint32_t* __restrict weight_sums,
                int32_t cols, int32_t first, int32_t end, uint8_t* __restrict dst) {
   VOREL_VECTORIZE
-  for (int32_t x = first; x < end; ++x) dst[x] = interior_mean(value_sums[x], weight_sums[x]);
-  for (int32_t x = 0; x < first; ++x) dst[x] = border_mean(value_sums[x], weight_sums[x]);
-  for (int32_t x = end; x < cols; ++x) dst[x] = border_mean(value_sums[x], weight_sums[x]);
+  for (int32_t x = 0; x < cols; ++x) dst[x] = interior_mean(value_sums[x], weight_sums[x]);
+  for (int32_t x = 0; x < first; ++x) dst[x] = border_mean(dst[x], value_sums[x], weight_sums[x]);
+  for (int32_t x = end; x < cols; ++x) dst[x] = border_mean(dst[x], value_sums[x], weight_sums[x]);
 }
 
 // The sum of weights starts at 1 so that, short of wrapping, it is never 0.

@@ -86,11 +86,13 @@ void filter_block(const box_filter_strip& strip, ptrdiff_t first_column, ptrdiff
     add_row(source_row(row), columns, running_sums);
   }
   uint8_t unwanted_low[kBlockColumns];
+  ptrdiff_t next_low = (strip.row_first + strip.low_step - 1) / strip.low_step * strip.low_step;
   for (ptrdiff_t row = strip.row_first; row < strip.row_end; ++row) {
     const ptrdiff_t offset = row * strip.pitch + first_column;
+    const bool wanted = row == next_low;
+    if (wanted) next_low += strip.low_step;
     filter(strip.src + offset, source_row(row - radius), source_row(row + radius + 1), columns,
-           row % strip.low_step == 0 ? strip.low + offset : unwanted_low, strip.high + offset,
-           running_sums);
+           wanted ? strip.low + offset : unwanted_low, strip.high + offset, running_sums);
   }
 }
 

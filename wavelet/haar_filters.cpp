@@ -59,9 +59,9 @@ constexpr int kMostTaps = 4;
 
 }  // namespace
 
-const analysis_filter kHaarLevel1 = {kLevel1, 2};
-const analysis_filter kHaarLevel2 = {kLevel2, 0};
-const analysis_filter kHaarDirectional = {kDirectional, 4};
+const analysis_filter kHaarLevel1 = {kLevel1, true};
+const analysis_filter kHaarLevel2 = {kLevel2, false};
+const analysis_filter kHaarDirectional = {kDirectional, true};
 
 const synthesis_filter kHaarJoin = {kLevel1Terms, kFromZero, kHalf};
 const synthesis_filter kHaarJoinLevel2 = {kLevel2Terms, kFromZero, kHalf};
@@ -75,26 +75,27 @@ const _Float16* haar_taps() { return kTable.taps; }
 template <typename Sample>
 void split_at(const analysis_filter& filter, const _Float16* taps, const sample_line<Sample>& line,
               int position, const haar_split& out, int count) {
-  const Sample* samples[kMostTaps];
+  const int first = position + filter.taps.front().offset;
+  const int last = position + filter.taps.back().offset;
+  if (filter.adjacent && first >= 0 && last < line.length) {
+    const Sample* near = line.at(first);
+    if (last == first + 1) return split_level1_row(near, line.at(last), out.lo, out.hi, count);
+    return split_directional_row(near, line.at(first + 1), line.at(first + 2), line.at(last),
+                                 out.lo, out.hi, count);
+  }
   tapped_row<Sample> low[kMostTaps];
   tapped_row<Sample> high[kMostTaps];
   int used = 0;
   for (const analysis_tap& tap : filter.taps) {
     const int index = position + tap.offset;
     if (index < 0 || index >= line.length) continue;
-    samples[used] = line.at(index);
-    low[used] = {samples[used], taps[tap.low]};
-    high[used] = {samples[used], taps[tap.high]};
+    const Sample* samples = line.at(index);
+    low[used] = {samples, taps[tap.low]};
+    high[used] = {samples, taps[tap.high]};
     ++used;
   }
-  if (used == filter.neighbours && used == 2) {
-    split_level1_row(samples[0], samples[1], out.lo, out.hi, count);
-  } else if (used == filter.neighbours && used == 4) {
-    split_directional_row(samples[0], samples[1], samples[2], samples[3], out.lo, out.hi, count);
-  } else {
-    sum_tapped_rows(low, used, 0, 1, out.lo, count);
-    sum_tapped_rows(high, used, 0, 1, out.hi, count);
-  }
+  sum_tapped_rows(low, used, 0, 1, out.lo, count);
+  sum_tapped_rows(high, used, 0, 1, out.hi, count);
 }
 
 template <typename Sample>

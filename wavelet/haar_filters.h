@@ -24,7 +24,9 @@ struct sample_line {
   int length;
   int kept;  // sample i lies where i - kept lay
 
-  [[nodiscard]] const Sample* at(int index) const { return first + (index % kept) * stride; }
+  [[nodiscard]] const Sample* at(int index) const {
+    return first + (index < kept ? index : index % kept) * stride;
+  }
 };
 
 template <typename Sample>
@@ -47,7 +49,7 @@ struct analysis_tap {
 
 struct analysis_filter {
   std::span<const analysis_tap> taps;  // ascending offsets
-  int neighbours;  // where all taps lie inside: 2 and 4 have a kernel of their own, others use taps
+  bool adjacent;  // 2 and 4 neighbours have a kernel of their own, where all of them lie inside
 };
 
 extern const analysis_filter kHaarLevel1;
