@@ -6,17 +6,18 @@
 #include <cmath>
 #include <cstdio>
 
+#include "tools/files/failure.h"
+
 namespace tool {
 namespace {
 
-volatile sig_atomic_t stop_requested = 0;
+volatile sig_atomic_t stop_requested = 0;  // the signal
 struct sigaction after_first_signal[2];
 
 void note_signal(int signal) {
-  stop_requested = 1;
+  stop_requested = signal;
   sigaction(SIGINT, &after_first_signal[0], nullptr);
   sigaction(SIGTERM, &after_first_signal[1], nullptr);
-  static_cast<void>(signal);
 }
 
 }  // namespace
@@ -41,6 +42,13 @@ Interruption::~Interruption() {
 }
 
 bool Interruption::requested() { return stop_requested != 0; }
+
+void Interruption::give_up() {
+  constexpr char kReason[] = "interrupted before there was anything to keep";
+  complain(kReason);
+  raise(stop_requested);
+  throw Failure(kFailed, kReason);  // only where the signal is held back
+}
 
 Progress::Progress(double work)
     : work_(work), shown_(isatty(STDERR_FILENO) != 0), start_(std::chrono::steady_clock::now()) {}

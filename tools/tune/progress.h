@@ -20,6 +20,8 @@ class Interruption {
   Interruption& operator=(const Interruption&) = delete;
 
   [[nodiscard]] static bool requested();
+  // Says that there is nothing to keep, and ends the program as the signal would have.
+  [[noreturn]] static void give_up();
 
  private:
   struct sigaction before_int_;

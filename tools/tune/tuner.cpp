@@ -43,9 +43,7 @@ class Tuner {
   TuneResult run() {
     load();
     measure({0});
-    if (stopped() && !all_measured()) {
-      throw Failure(kFailed, "interrupted before there was anything to keep");
-    }
+    if (stopped() && !all_measured()) Interruption::give_up();
     start_values_ = start_values(everything());
     if (settings_.fit.spatial != SpatialChoice::kOff) search_blends();
     result_.values = fit(everything());
@@ -81,7 +79,7 @@ class Tuner {
       loaded[i] = load_captures(sources_[i], settings_.captures, static_cast<int>(i));
       progress_.done("reading", kLoadWork);
     });
-    if (stopped()) throw Failure(kFailed, "interrupted before there was anything to keep");
+    if (stopped()) Interruption::give_up();
     std::vector<std::pair<int, size_t>> order;
     for (size_t i = 0; i < sources_.size(); ++i) order.emplace_back(sources_[i].noise_index, i);
     std::sort(order.begin(), order.end());
