@@ -1,50 +1,18 @@
-// The built command from outside: exit statuses, messages, files.
+// Exit statuses, messages, files and streams of the command.
 #include <gmock/gmock.h>
-#include <jansson.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <map>
-#include <set>
 
 #include "tests/support/source_path.h"
-#include "tests/tools/run_command.h"
-#include "tests/tools/test_pictures.h"
+#include "tests/tools/command_fixture.h"
 #include "tools/pictures/colour.h"
 #include "tools/pictures/picture_io.h"
 
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
-
-class Command : public testing::Test {
- protected:
-  Command() {
-    save(picture, gradient_picture(64, 48));
-    save(raw, patterned_frame(64, 48));
-  }
-
-  // One line on standard error that names what is wrong, the status, and no new file.
-  void expect_refused(const std::vector<std::string>& arguments, int status,
-                      const std::string& reason) {
-    const std::vector<std::string> before = directory.names();
-    const CommandResult run = run_vorel(arguments);
-    const std::string line = testing::PrintToString(arguments);
-    EXPECT_EQ(run.status, status) << line << run.err;
-    EXPECT_THAT(run.err, testing::StartsWith("vorel: ")) << line;
-    EXPECT_THAT(run.err, HasSubstr(reason)) << line;
-    EXPECT_THAT(run.out, IsEmpty()) << line;
-    EXPECT_EQ(directory.names(), before) << line;
-  }
-
-  TestDirectory directory;
-  std::string picture = directory / "a.png";
-  std::string raw = directory / "a_64x48.nv21";
-  std::string out = directory / "out.png";
-};
 
 TEST_F(Command, HelpAndVersionAreEverywhere) {
   const CommandResult main = run_vorel({"--help"});
@@ -152,103 +120,6 @@ TEST_F(Command, ClosedStreamsDoNotPrintIntoFiles) {
   EXPECT_EQ(WEXITSTATUS(std::system((line + " <&- >&- 2>&-").c_str())), 3) << "no summary";
   EXPECT_EQ(WEXITSTATUS(std::system((line + " --force >/dev/null 2>&-").c_str())), 0);
   EXPECT_THAT(read_text(trace), testing::StartsWith("{\"displayTimeUnit\""));
-}
-
-TEST_F(Command, DenoiseRunsTheRealLibraryAndSaysWhatItDid) {
-  ASSERT_EQ(run_vorel({"noise", picture, "-o", directory / "noisy.png", "-g", "32"}).status, 0);
-  const CommandResult run = run_vorel({"denoise", directory / "noisy.png", "-o", out, "--truth",
-                                       picture, "--compare", directory / "side.png", "-n", "3200"});
-  EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_THAT(run.err, IsEmpty());
-  EXPECT_THAT(run.out, HasSubstr("sample tuning"));
-  EXPECT_THAT(run.out, HasSubstr("noise index  3200\n"));
-  EXPECT_THAT(run.out, testing::ContainsRegex("changed +chroma [0-9.]+ % of samples"));
-  EXPECT_THAT(run.out, testing::ContainsRegex("CIEDE2000, mean .* better"));
-  EXPECT_EQ(tool::read_picture(directory / "side.png", {}).size(), (tool::Size{3 * 64 + 16, 48}));
-  EXPECT_THAT(directory.names(),
-              ElementsAre("a.png", "a_64x48.nv21", "noisy.png", "out.png", "side.png"));
-}
-
-TEST_F(Command, FramesBelowTheTuningsThresholdStayAsTheyAre) {
-  const std::string result = directory / "out_64x48.nv21";
-  const CommandResult run = run_vorel({"denoise", raw, "-o", result, "-n", "0"});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_THAT(run.out, HasSubstr("nothing: noise index 0 is below the tuning's enableNoiseIndex"));
-  EXPECT_EQ(read_text(result), read_text(raw));
-  EXPECT_EQ(run_vorel({"denoise", raw, "-o", result, "-n", "40000", "--tuning", "none", "-q"}).out,
-            "");
-}
-
-TEST_F(Command, PathSwitchesReachTheLibrary) {
-  // Built-in values for every frame: both paths are on.
-  write_text(directory / "t.json",
-             R"([{"CNRTuningSetfile": {"Date": "d"}, "enableNoiseIndex": 0}])");
-  const std::string noisy = directory / "noisy_64x48.nv21";
-  ASSERT_EQ(run_vorel({"noise", picture, "-o", noisy, "--gain", "2"}).status, 0);
-  const auto denoised = [&](const std::vector<std::string>& switches) {
-    std::vector<std::string> arguments{
-        "denoise", noisy, "-o", directory / "x_64x48.nv21", "--tuning", directory / "t.json"};
-    arguments.insert(arguments.end(), switches.begin(), switches.end());
-    EXPECT_EQ(run_vorel(arguments).status, 0);
-    const std::string bytes = read_text(directory / "x_64x48.nv21");
-    return digest({bytes.begin(), bytes.end()});
-  };
-  const std::string before = read_text(noisy);
-  const uint64_t both = denoised({});
-  const uint64_t wavelet = denoised({"--no-spatial"});
-  const uint64_t spatial = denoised({"--no-wavelet"});
-  EXPECT_NE(both, wavelet);
-  EXPECT_NE(both, spatial);
-  EXPECT_NE(wavelet, spatial);
-  EXPECT_EQ(denoised({"--no-spatial", "--no-wavelet"}), digest({before.begin(), before.end()}));
-  EXPECT_EQ(denoised({"--format", "nm21"}), both);
-}
-
-TEST_F(Command, UnknownSensorIsAWarningAndTheBuiltInValuesServe) {
-  const CommandResult run =
-      run_vorel({"denoise", raw, "-o", directory / "x.nv21", "--sensor", "99", "-n", "50000"});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_THAT(run.err, HasSubstr("warning: sensor 99 is not known"));
-  EXPECT_THAT(run.err, HasSubstr("120, 124"));
-  EXPECT_THAT(run.out, HasSubstr("built-in values"));
-}
-
-TEST_F(Command, FindingsInTheTuningAreShownBeforeTheRun) {
-  write_text(directory / "t.json",
-             R"([{"CNRTuningSetfile": {"Date": "d"}, "enabel": 1, "enableNoiseIndex": 0}])");
-  const CommandResult run =
-      run_vorel({"denoise", raw, "-o", directory / "x.nv21", "--tuning", directory / "t.json"});
-  EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_THAT(run.err, HasSubstr("vorel: warning: " + (directory / "t.json") + ":1:38: enabel"));
-  EXPECT_THAT(run.out, HasSubstr("dated d"));
-}
-
-TEST_F(Command, FolderWithoutTheSensorsTuningIsToldAndTheBuiltInValuesServe) {
-  const CommandResult run = run_vorel({"denoise", raw, "-o", directory / "x.nv21", "--tuning",
-                                       directory.path(), "--sensor", "120"});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_THAT(run.err, HasSubstr("warning: " + directory.path() + " has no vorel_WT1200.json"));
-  EXPECT_THAT(run.out, HasSubstr("built-in values"));
-}
-
-TEST_F(Command, LogLevelShowsTheLibrarysLines) {
-  const std::vector<std::string> arguments{"denoise", raw, "-o", directory / "x.nv21", "--log"};
-  std::vector<std::string> debug = arguments;
-  debug.push_back("debug");
-  const CommandResult run = run_vorel(debug);
-  EXPECT_THAT(run.err, HasSubstr("vorel: vorel_denoise_frame - X\n"));
-  EXPECT_THAT(run.out, Not(HasSubstr("vorel_denoise")));
-}
-
-TEST_F(Command, NoiseIsReproducibleAndNamesItsIndex) {
-  const CommandResult run = run_vorel({"noise", picture, "-o", out, "--gain", "8", "--seed", "5"});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_THAT(run.out, HasSubstr("noise index  800"));
-  const std::string first = read_text(out);
-  run_vorel({"noise", picture, "-o", out, "--gain", "8", "--seed", "5"});
-  EXPECT_EQ(read_text(out), first);
-  run_vorel({"noise", picture, "-o", out, "--gain", "8", "--seed", "6"});
-  EXPECT_NE(read_text(out), first);
 }
 
 TEST_F(Command, InputIsReplacedOnlyWithForce) {
@@ -365,163 +236,6 @@ TEST_F(Command, StandardOutputHoldsNothingButThePicture) {
   EXPECT_EQ(noise.out, read_text(out));
   EXPECT_THAT(noise.err, HasSubstr("gain"));
   expect_refused({"compare", picture, picture, "-o", "-"}, 1, "figures go to standard output");
-}
-
-TEST_F(Command, CompareSpeaksToPeopleAndPrograms) {
-  ASSERT_EQ(run_vorel({"noise", picture, "-o", out, "-g", "4"}).status, 0);
-  const CommandResult text = run_vorel({"compare", out, picture, "--truth", picture});
-  EXPECT_EQ(text.status, 0);
-  EXPECT_THAT(text.out, testing::ContainsRegex("PSNR U, dB .*equal \\(better\\)"));
-  const CommandResult json = run_vorel({"compare", picture, out, "--json"});
-  EXPECT_EQ(json.status, 0);
-  EXPECT_THAT(json.out, testing::StartsWith("{"));
-  EXPECT_THAT(json.out, HasSubstr("\"ciede2000\": "));
-  const CommandResult side = run_vorel({"compare", picture, out, out, "-o", directory / "side.jpg",
-                                        "--crop", "8,8,20,10", "--zoom", "3"});
-  EXPECT_EQ(side.status, 0) << side.err;
-  EXPECT_EQ(tool::read_picture(directory / "side.jpg", {}).size(), (tool::Size{3 * 60 + 16, 30}));
-}
-
-TEST_F(Command, SweepDenoisesOnceForEachValue) {
-  const std::vector<std::string> same = {"-n", "1600", "--truth", picture};
-  std::vector<std::string> denoise = {"denoise", raw, "-o", out, "--no-wavelet"};
-  denoise.insert(denoise.end(), same.begin(), same.end());
-  const CommandResult expected = run_vorel(denoise);
-  std::vector<std::string> sweep = {"sweep",    raw,
-                                    "-k",       "MFD_UV_tuning.enable",
-                                    "--values", "0",
-                                    "--csv",    directory / "figures.csv",
-                                    "-o",       directory / "sheet.png",
-                                    "--crop",   "2,4,6,8",
-                                    "--zoom",   "2",
-                                    "--page",   directory / "page.html"};
-  sweep.insert(sweep.end(), same.begin(), same.end());
-  const CommandResult run = run_vorel(sweep);
-  ASSERT_EQ(run.status, 0) << run.err;
-  EXPECT_THAT(run.out, HasSubstr("1, as tuned"));
-  const std::string csv = read_text(directory / "figures.csv");
-  const std::string row = csv.substr(csv.find("\n0,") + 3);
-  // The table of denoise: the figures of before and of after.
-  for (const char* plane : {"Y", "U", "V"}) {
-    const size_t line = expected.out.find(std::string("PSNR ") + plane);
-    double before = 0;
-    double after = 0;
-    ASSERT_EQ(std::sscanf(expected.out.c_str() + line + 10, "%lf %lf", &before, &after), 2);
-    double value[3] = {};
-    ASSERT_EQ(std::sscanf(row.c_str(), "%lf,%lf,%lf", value, value + 1, value + 2), 3);
-    EXPECT_EQ(value[*plane == 'Y' ? 0 : *plane == 'U' ? 1 : 2], after) << plane;
-  }
-  const tool::Size sheet = tool::read_picture(directory / "sheet.png", {}).size();
-  EXPECT_GE(sheet.height, 2 * 8 * 2);
-  EXPECT_THAT(read_text(directory / "page.html"), testing::EndsWith("</html>\n"));
-}
-
-TEST_F(Command, CompareWalksThroughVideos) {
-  const auto video = [&](const std::string& name, int frames) {
-    const auto output = tool::PictureOutput::open(directory / name);
-    for (int i = 0; i < frames; ++i) output->write({patterned_frame(16, 8), {}});
-    output->finish();
-    return directory / name;
-  };
-  const std::string two = video("two.y4m", 2);
-  const CommandResult same = run_vorel({"compare", two, video("also.y4m", 2)});
-  EXPECT_EQ(same.status, 0);
-  EXPECT_THAT(same.out, HasSubstr("2 frames"));
-  EXPECT_EQ(run_vorel({"compare", two, video("three.y4m", 3)}).status, 2);
-  EXPECT_EQ(run_vorel({"compare", directory / "three.y4m", two}).status, 2);
-}
-
-TEST_F(Command, MeasureSpeaksToPeopleAndPrograms) {
-  const std::string large = directory / "large.png";
-  const std::string noisy = directory / "noisy.jpg";
-  save(large, gradient_picture(320, 256));
-  ASSERT_EQ(run_vorel({"noise", large, "-o", noisy, "-g", "16"}).status, 0);
-  const CommandResult text = run_vorel({"measure", noisy, picture, "--patch", "8,8,32,33"});
-  EXPECT_EQ(text.status, 0) << text.err;
-  EXPECT_THAT(text.out, testing::ContainsRegex("noisy.jpg \\(320 x 256\\)\n +noise"));
-  EXPECT_THAT(text.out, testing::ContainsRegex("noise index +[1-9][0-9]+\n"));
-  EXPECT_THAT(text.out, HasSubstr("too little")) << "the second picture has no 64 x 64 blocks";
-  EXPECT_THAT(text.out, testing::ContainsRegex("below 1/16\n +Y +[0-9.]+ +[0-9.]+ +[0-9.]+ %"));
-  const CommandResult json = run_vorel({"measure", noisy, picture, "--json"});
-  EXPECT_EQ(json.status, 0);
-  EXPECT_THAT(json.out, HasSubstr("\"noise_index\": null"));
-  expect_refused({"measure", picture, "--patch", "40,8,32,8"}, 1, "64 x 48");
-  expect_refused({"measure", directory / "none.png"}, 2, "No such file");
-}
-
-TEST_F(Command, CheckReportsFindingsPerFile) {
-  const std::string good = source_path("tuning/samples/vorel_NOTHING.json");
-  const CommandResult clean = run_vorel({"check", good});
-  EXPECT_EQ(clean.status, 0);
-  EXPECT_EQ(clean.out, good + ": ok\n");
-  write_text(directory / "odd.json", R"([{"CNRTuningSetfile": {"Date": "d"}, "enabel": 1}])");
-  const CommandResult odd = run_vorel({"check", directory / "odd.json"});
-  EXPECT_EQ(odd.status, 0) << "a warning alone is no failure";
-  EXPECT_THAT(odd.out, HasSubstr("odd.json:1:38: warning: enabel"));
-  EXPECT_EQ(run_vorel({"check", "--strict", directory / "odd.json"}).status, 2);
-  write_text(directory / "bad.json", "[{]");
-  const CommandResult bad =
-      run_vorel({"check", directory / "none.json", directory / "bad.json", good});
-  EXPECT_EQ(bad.status, 2);
-  EXPECT_THAT(bad.out, HasSubstr("none.json: error: No such file"));
-  EXPECT_THAT(bad.out, HasSubstr("bad.json:1:3: error: "));
-  EXPECT_THAT(bad.out, HasSubstr(good + ": ok")) << "the others are checked all the same";
-  EXPECT_THAT(bad.out, HasSubstr("2 errors, 0 warnings"));
-}
-
-TEST_F(Command, DumpsThatCannotBeWrittenAreAWarning) {
-  // The four half-precision planes with their border exceed the limit.
-  const std::string dumps = directory / "dumps";
-  CommandSetup setup;
-  setup.file_limit = 8000;
-  const CommandResult run = run_vorel(
-      {"denoise", raw, "-o", directory / "out_64x48.nv21", "-n", "1600", "--dump", dumps}, setup);
-  EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_THAT(run.err, HasSubstr("warning: 4 of a frame's 52 dumps could not be written to " +
-                                 dumps + "/0_"));
-  EXPECT_THAT(run.err, HasSubstr(": File too large\n"));
-}
-
-// Read as a viewer reads it: slices of a thread are nested, and stages, jobs and counters are
-// there.
-TEST_F(Command, TraceShowsStagesAndJobs) {
-  const std::string trace = directory / "trace.json";
-  const CommandResult run = run_vorel({"denoise", raw, "-o", out, "-n", "800", "--trace", trace});
-  ASSERT_EQ(run.status, 0) << run.err;
-  json_t* root = json_loads(read_text(trace).c_str(), 0, nullptr);
-  ASSERT_NE(root, nullptr);
-  std::map<std::string, int> counts;
-  std::map<json_int_t, std::vector<double>> open;
-  std::set<std::string> threads;
-  size_t index = 0;
-  json_t* event = nullptr;
-  json_array_foreach(json_object_get(root, "traceEvents"), index, event) {
-    const std::string phase = json_string_value(json_object_get(event, "ph"));
-    const char* name = json_string_value(json_object_get(event, "name"));
-    const double time = json_number_value(json_object_get(event, "ts"));
-    std::vector<double>& slices = open[json_integer_value(json_object_get(event, "tid"))];
-    const json_t* arguments = json_object_get(event, "args");
-    if (phase == "M") threads.insert(json_string_value(json_object_get(arguments, "name")));
-    if (phase == "B") slices.push_back(time);
-    if (phase == "E") {
-      ASSERT_FALSE(slices.empty());
-      EXPECT_LE(slices.back(), time);
-      slices.pop_back();
-    }
-    if (phase == "C" && std::string(name) == "vorel noise index") {
-      EXPECT_EQ(json_integer_value(json_object_get(arguments, "value")), 800);
-    }
-    if (phase != "E") ++counts[name];
-  }
-  json_decref(root);
-  for (const auto& [thread, slices] : open) EXPECT_THAT(slices, IsEmpty()) << thread;
-  for (const char* stage :
-       {"vorel_deinterleave", "vorel_box_filter", "vorel_yuv", "vorel_interleave", "MFD_UV",
-        "vorel noise index", "vorel noise level"}) {
-    EXPECT_EQ(counts[stage], 1) << stage;
-  }
-  EXPECT_GT(counts["box filter strip"], 1);
-  EXPECT_THAT(threads, testing::Contains(testing::StartsWith("vorel-0-")));
 }
 
 }  // namespace
