@@ -35,7 +35,7 @@ check:
 	scripts/check.sh all
 
 harden:
-	scripts/setup.sh build check arm package
+	scripts/setup.sh build check arm package harden
 	scripts/harden.sh
 
 test-arm:

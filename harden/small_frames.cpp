@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/wraps.h"
 #include "vorel/frame.h"
 #include "vorel/vorel.h"
 
@@ -87,7 +88,7 @@ class Frame {
     return static_cast<uint8_t*>(plane);
   }
 
-  void fill(uint8_t* plane, int rows, int row_bytes, uint32_t seed) const {
+  VOREL_WRAPS void fill(uint8_t* plane, int rows, int row_bytes, uint32_t seed) const {
     uint32_t state = seed;
     for (int y = 0; y < rows; ++y) {
       for (int x = 0; x < row_bytes; ++x) {
@@ -98,10 +99,7 @@ class Frame {
     }
   }
 
-  __attribute__((no_sanitize("unsigned-integer-overflow"))) uint64_t digest(uint64_t hash,
-                                                                            const uint8_t* plane,
-                                                                            int rows,
-                                                                            int row_bytes) const {
+  VOREL_WRAPS uint64_t digest(uint64_t hash, const uint8_t* plane, int rows, int row_bytes) const {
     for (int y = 0; y < rows; ++y) {
       const uint8_t* row = plane + static_cast<size_t>(y) * stride(row_bytes);
 #if defined(WATCHES_MEMORY)

@@ -9,6 +9,7 @@
 #     measure what scripts/noise_index_table.py needs
 #     compare what scripts/compare_filters.sh needs
 #     arm     building for 64-bit Arm and running it in emulation
+#     harden  what the long rows of scripts/harden.sh need beyond these
 set -euo pipefail
 
 build_packages=(
@@ -29,6 +30,8 @@ package_packages=(dpkg-dev python3-minimal gzip lintian debootstrap qemu-user-st
 
 measure_packages=(python3-numpy python3-pil)
 
+harden_packages=(valgrind libclang-rt-19-dev)
+
 compare_packages=(ffmpeg python3-opencv python3-numpy)
 
 # Libraries that exist for both machines at once must have one version, so both are named: apt then
@@ -40,7 +43,7 @@ arm_twins=(
   libgtest-dev libgmock-dev libbenchmark-dev)
 
 usage() {
-  sed -n '2,11s/^# \{0,1\}//p' "$0"
+  sed -n '2,12s/^# \{0,1\}//p' "$0"
   exit "${1:-0}"
 }
 
@@ -81,6 +84,14 @@ for group in "$@"; do
       arm=true
       wanted+=(qemu-user)
       for package in "${arm_twins[@]}"; do wanted+=("$package" "$package:arm64"); done
+      ;;
+    harden)
+      wanted+=("${harden_packages[@]}")
+      # The run-time library of sanitizers for Arm.
+      if [ "$(dpkg --print-architecture)" = amd64 ]; then
+        arm=true
+        wanted+=(libclang-rt-19-dev:arm64)
+      fi
       ;;
     -h | --help) usage ;;
     *) usage 1 ;;

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
 #include <iterator>
+
+#include "tools/files/print_text.h"
 
 namespace tool {
 namespace {
@@ -56,15 +56,6 @@ std::string escaped(const std::string& text) {
     safe += c == '<' ? "&lt;" : c == '>' ? "&gt;" : c == '&' ? "&amp;" : std::string(1, c);
   }
   return safe;
-}
-
-[[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...) {
-  char text[512];
-  va_list values;
-  va_start(values, pattern);
-  std::vsnprintf(text, sizeof(text), pattern, values);
-  va_end(values);
-  return text;
 }
 
 // A value axis: from value to fraction of the height.
@@ -132,18 +123,18 @@ class Drawing {
   std::string draw(const std::string& title) {
     const int width = 2 * kPanelWidth;
     const int height = kTitleHeight + 2 * kPanelHeight;
-    svg_ = format(
+    svg_ = print_text(
         "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%d\" height=\"%d\" "
         "viewBox=\"0 0 %d %d\" font-family=\"sans-serif\" font-size=\"11\">\n",
         width, height, width, height);
     svg_ += "<title>" + escaped(title) + "</title>\n" + kStyle;
-    svg_ += format("<rect class=\"paper\" width=\"%d\" height=\"%d\"/>\n", width, height);
+    svg_ += print_text("<rect class=\"paper\" width=\"%d\" height=\"%d\"/>\n", width, height);
     svg_ += "<text x=\"16\" y=\"26\" font-size=\"15\">" + escaped(title) +
             " over the noise index; grey: below the gate</text>\n";
     for (size_t i = 0; i < panels().size(); ++i) {
-      svg_ += format("<g transform=\"translate(%d %d)\">\n",
-                     static_cast<int>(i % 2) * kPanelWidth + kLeft,
-                     kTitleHeight + static_cast<int>(i / 2) * kPanelHeight + kTop);
+      svg_ += print_text("<g transform=\"translate(%d %d)\">\n",
+                         static_cast<int>(i % 2) * kPanelWidth + kLeft,
+                         kTitleHeight + static_cast<int>(i / 2) * kPanelHeight + kTop);
       draw_panel(panels()[i]);
       svg_ += "</g>\n";
     }
@@ -167,12 +158,12 @@ class Drawing {
 
   void draw_panel(const Panel& panel) {
     const ValueAxis axis(panel, loaded_);
-    svg_ += format("<text x=\"0\" y=\"-12\" font-size=\"13\">%s</text>\n", panel.title);
+    svg_ += print_text("<text x=\"0\" y=\"-12\" font-size=\"13\">%s</text>\n", panel.title);
     draw_gate();
     for (const double tick : axis.ticks()) {
       const double y = y_of(axis, tick);
-      svg_ += format("<path class=\"grid\" d=\"M0 %.1fH%d\"/>", y, kPlotWidth);
-      svg_ += format("<text x=\"-6\" y=\"%.1f\" text-anchor=\"end\">%g</text>\n", y + 4, tick);
+      svg_ += print_text("<path class=\"grid\" d=\"M0 %.1fH%d\"/>", y, kPlotWidth);
+      svg_ += print_text("<text x=\"-6\" y=\"%.1f\" text-anchor=\"end\">%g</text>\n", y + 4, tick);
     }
     draw_level_axis();
     for (size_t i = 0; i < panel.paths.size(); ++i) draw_curve(*find_key(panel.paths[i]), axis, i);
@@ -182,7 +173,7 @@ class Drawing {
   void draw_gate() {
     const double x = x_of(loaded_.tuning().enableNoiseIndex);
     if (x <= 0) return;
-    svg_ += format(
+    svg_ += print_text(
         "<rect class=\"gate\" width=\"%.1f\" height=\"%d\"><title>below the gate: frames "
         "are left as they are</title></rect>\n",
         x, kPlotHeight);
@@ -193,37 +184,38 @@ class Drawing {
     double room_from = -1000;
     for (size_t i = 0; i < loaded_.levels(); ++i) {
       const double x = x_of(loaded_.level(i));
-      svg_ += format("<path class=\"grid\" d=\"M%.1f 0V%d\"/>", x, kPlotHeight);
+      svg_ += print_text("<path class=\"grid\" d=\"M%.1f 0V%d\"/>", x, kPlotHeight);
       if (x - room_from < 40) continue;
       room_from = x;
-      svg_ += format("<text x=\"%.1f\" y=\"%d\" text-anchor=\"middle\">%d</text>\n", x,
-                     kPlotHeight + 16, loaded_.level(i));
+      svg_ += print_text("<text x=\"%.1f\" y=\"%d\" text-anchor=\"middle\">%d</text>\n", x,
+                         kPlotHeight + 16, loaded_.level(i));
     }
   }
 
   void draw_curve(const KnownKey& known, const ValueAxis& axis, size_t number) {
     const char* colour = kColours[number % std::size(kColours)];
-    const std::string line = format("stroke=\"%s\" stroke-dasharray=\"%s\"", colour,
-                                    kDashes[number % std::size(kDashes)]);
+    const std::string line = print_text("stroke=\"%s\" stroke-dasharray=\"%s\"", colour,
+                                        kDashes[number % std::size(kDashes)]);
     svg_ += "<path class=\"curve\" " + line + " d=\"";
     for (int step = 0; step <= kSteps; ++step) {
       const double noise_index = first_ * std::pow(last_ / first_, step / double{kSteps});
       const int whole = static_cast<int>(std::min(noise_index, double{INT32_MAX}));
-      svg_ += format("%s%.1f %.1f", step == 0 ? "M" : " ", x_of(noise_index),
-                     y_of(axis, loaded_.for_frame(known, whole)));
+      svg_ += print_text("%s%.1f %.1f", step == 0 ? "M" : " ", x_of(noise_index),
+                         y_of(axis, loaded_.for_frame(known, whole)));
     }
     svg_ += "\"><title>" + known.path() + "</title></path>\n";
     for (size_t i = 0; i < loaded_.levels(); ++i) {
-      svg_ += format("<circle cx=\"%.1f\" cy=\"%.1f\" r=\"2.5\" fill=\"%s\"/>",
-                     x_of(loaded_.level(i)), y_of(axis, loaded_.stored(known, i)), colour);
+      svg_ += print_text("<circle cx=\"%.1f\" cy=\"%.1f\" r=\"2.5\" fill=\"%s\"/>",
+                         x_of(loaded_.level(i)), y_of(axis, loaded_.stored(known, i)), colour);
     }
     const int y = 8 + 18 * static_cast<int>(number);
-    svg_ += format("<path class=\"curve\" %s d=\"M%d %dh22\"/>", line.c_str(), kPlotWidth + 8, y);
+    svg_ +=
+        print_text("<path class=\"curve\" %s d=\"M%d %dh22\"/>", line.c_str(), kPlotWidth + 8, y);
     std::string name = known.key.name;
     for (const char* ending : {"_table", "Table"}) {
       if (name.ends_with(ending)) name.resize(name.size() - std::string(ending).size());
     }
-    svg_ += format("<text x=\"%d\" y=\"%d\">%s</text>\n", kPlotWidth + 36, y + 4, name.c_str());
+    svg_ += print_text("<text x=\"%d\" y=\"%d\">%s</text>\n", kPlotWidth + 36, y + 4, name.c_str());
   }
 
   const LoadedTuning& loaded_;

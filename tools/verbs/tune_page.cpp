@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
 #include <set>
 
+#include "tools/files/print_text.h"
 #include "tools/pictures/colour.h"
 #include "tools/tune/frame_trial.h"
 #include "tools/tune/trial_means.h"
@@ -13,15 +12,6 @@
 
 namespace tool {
 namespace {
-
-[[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...) {
-  char text[64];
-  va_list values;
-  va_start(values, pattern);
-  std::vsnprintf(text, sizeof(text), pattern, values);
-  va_end(values);
-  return text;
-}
 
 // Gains in dB of each tuning in turn, the held-out ones last; not a number where there is none.
 std::vector<double> gains_of(const TrialMeans& means) {
@@ -46,9 +36,9 @@ Table gain_table(const std::string& title, const std::string& first) {
 }
 
 void add_gains(Table& table, const std::string& name, const TrialMeans& means) {
-  table.rows.push_back({name, format("%.2f", means.noisy.chroma())});
+  table.rows.push_back({name, print_text("%.2f", means.noisy.chroma())});
   for (const double gain : gains_of(means))
-    table.rows.back().push_back(std::isnan(gain) ? "-" : format("%+.2f", gain));
+    table.rows.back().push_back(std::isnan(gain) ? "-" : print_text("%+.2f", gain));
 }
 
 Table level_table(const std::vector<Trial>& trials) {
@@ -80,9 +70,9 @@ Table value_table(const TuningValues& values) {
   for (const LevelValues& level : values.levels) {
     table.rows.push_back({std::to_string(level.noise_index)});
     std::vector<std::string>& row = table.rows.back();
-    for (const double threshold : level.thresholds) row.push_back(format("%.4g", threshold));
+    for (const double threshold : level.thresholds) row.push_back(print_text("%.4g", threshold));
     row.push_back(std::to_string(level.spatial.d_uv));
-    row.push_back(level.chroma_noise ? format("%.3g", *level.chroma_noise) : "-");
+    row.push_back(level.chroma_noise ? print_text("%.3g", *level.chroma_noise) : "-");
     row.emplace_back(level.interpolated ? "no" : "yes");
   }
   return table;
@@ -141,7 +131,7 @@ Page tune_page(const std::string& name, const TuneResult& result,
       {"captures", std::to_string(result.trials.size())},
       {"gate", "noise index " + std::to_string(result.values.enable_noise_index)},
       {"spatial path", result.values.spatial_path ? "on" : "off"},
-      {"time", format("%.0f s", result.seconds)},
+      {"time", print_text("%.0f s", result.seconds)},
   };
   if (result.interrupted) page.facts.push_back({"interrupted", "the best so far"});
   add_pictures(page, result, sources, captures);
