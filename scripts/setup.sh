@@ -30,7 +30,7 @@ package_packages=(dpkg-dev python3-minimal gzip lintian debootstrap qemu-user-st
 
 measure_packages=(python3-numpy python3-pil)
 
-harden_packages=(valgrind libclang-rt-19-dev)
+harden_packages=(valgrind)
 
 compare_packages=(ffmpeg python3-opencv python3-numpy)
 
@@ -85,14 +85,7 @@ for group in "$@"; do
       wanted+=(qemu-user)
       for package in "${arm_twins[@]}"; do wanted+=("$package" "$package:arm64"); done
       ;;
-    harden)
-      wanted+=("${harden_packages[@]}")
-      # The run-time library of sanitizers for Arm.
-      if [ "$(dpkg --print-architecture)" = amd64 ]; then
-        arm=true
-        wanted+=(libclang-rt-19-dev:arm64)
-      fi
-      ;;
+    harden) wanted+=("${harden_packages[@]}") ;;
     -h | --help) usage ;;
     *) usage 1 ;;
   esac
