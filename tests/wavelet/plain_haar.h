@@ -57,7 +57,7 @@ inline Plane random_plane(int width, int height, uint32_t seed, Samples kind = S
 
 using SplitMethod = void (HaarTransform::*)(_Float16*, _Float16*, _Float16*, int, int);
 
-struct PlainTap {
+struct PlainSplitTap {
   int offset;
   double low;
   double high;
@@ -67,15 +67,15 @@ struct PlainSplit {
   const char* name;
   SplitMethod method;
   bool along_columns;
-  std::vector<PlainTap> taps;
+  std::vector<PlainSplitTap> taps;
   int spare_columns;  // at the right: neither read nor written
   int spare_rows;     // at the bottom: not written
   int least_height;
 };
 
-inline const std::vector<PlainTap> kLevel1Taps = {{0, kL, -kL}, {1, kL, kL}};
-inline const std::vector<PlainTap> kLevel2Taps = {{0, kL, -kL}, {1, 0, 0}, {2, kL, kL}};
-inline const std::vector<PlainTap> kDirectionalTaps = {
+inline const std::vector<PlainSplitTap> kLevel1Taps = {{0, kL, -kL}, {1, kL, kL}};
+inline const std::vector<PlainSplitTap> kLevel2Taps = {{0, kL, -kL}, {1, 0, 0}, {2, kL, kL}};
+inline const std::vector<PlainSplitTap> kDirectionalTaps = {
     {-1, kD, -kD}, {0, kD, -kD}, {1, kD, kD}, {2, kD, kD}};
 
 inline const PlainSplit kSplits[] = {
@@ -95,7 +95,7 @@ inline void split_plainly(const PlainSplit& split, Plane& src, Plane& lo, Plane&
     for (int x = 0; x < columns; ++x) {
       PlainHalf low = 0.0;
       PlainHalf high = 0.0;
-      for (const PlainTap& tap : split.taps) {
+      for (const PlainSplitTap& tap : split.taps) {
         const int at = (split.along_columns ? y : x) + tap.offset;
         if (at < 0 || at >= length) continue;
         const PlainHalf sample = split.along_columns ? src.at(x, at) : src.at(at, y);

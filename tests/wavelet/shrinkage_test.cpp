@@ -15,31 +15,6 @@ const _Float16 kSymlet = half_of_bits(0x45D7);
 const _Float16 kHaar = half_of_bits(0x49D7);
 const _Float16 kHaarLow = half_of_bits(0x4FD7);
 
-PlainHalf plain_multiplier(int x, int y, PlainHalf A, PlainHalf B, int cx, int cy) {
-  if (A.value == 0) return 1.0;
-  const PlainHalf unit = PlainHalf(double(cx)) / PlainHalf(100.0);
-  const PlainHalf corner =
-      square(PlainHalf(double(cx)) / unit) + square(PlainHalf(double(cy)) / unit);
-  const PlainHalf distance =
-      square(PlainHalf(double(x)) / unit) + square(PlainHalf(double(y)) / unit);
-  const PlainHalf growth = PlainHalf(3.0) * A / corner * distance;
-  return (growth.value < B.value ? growth : B) + PlainHalf(1.0);
-}
-
-std::vector<_Float16> shrink_plainly(std::vector<_Float16> data, _Float16 thr, _Float16 A,
-                                     _Float16 B, int rows, int cols, int step, _Float16 S) {
-  const int cx = step * cols / 2;
-  const int cy = step * rows / 2;
-  for (int r = 0; r < rows; ++r) {
-    for (int c = 0; c < cols; ++c) {
-      _Float16& v = data[static_cast<size_t>(r * cols + c)];
-      const PlainHalf m = plain_multiplier(c * step + 1 - cx, r * step + 1 - cy, A, B, cx, cy);
-      v = plain_shrink(v, thr, m, S);
-    }
-  }
-  return data;
-}
-
 _Float16 shrink_one(_Float16 v, _Float16 thr, _Float16 S) {
   const _Float16 multiplier = 1;
   shrink_row(make_shrink_gain(thr, S), &multiplier, &v, 1);

@@ -109,4 +109,63 @@ inline void plain_synthesise(const PlainPlane& low, const PlainPlane& high, int 
   });
 }
 
+inline int rounded_up_half(int size) { return (size + 1) / 2; }
+
+inline constexpr int kPlainSubbands = 8;
+
+// The subbands of a plane; all samples start as `fill`.
+struct PlainSubbands {
+  PlainSubbands(int width, int height, _Float16 fill) {
+    const int half = width / 2;
+    const int half_rows = height / 2;
+    for (int i = 0; i < kPlainSubbands; ++i) {
+      planes.emplace_back(i < 4 ? rounded_up_half(half) : half,
+                          i < 4 ? rounded_up_half(half_rows) : half_rows, fill);
+    }
+  }
+  std::vector<PlainPlane> planes;
+};
+
+// The decomposition as passes over whole planes, by the book. Samples of working planes that no
+// pass writes are `fill`.
+inline void plain_forward(const PlainPlane& src, bool two_decompositions, PlainSubbands* bands,
+                          _Float16 fill = kNotANumber) {
+  const int half = src.width / 2;
+  const int half_rows = src.height / 2;
+  PlainPlane low(half, src.height, fill), high(half, src.height, fill);
+  plain_analyse(src, false, &low, &high);
+  PlainPlane low_low(half, half_rows, fill);
+  plain_analyse(low, true, &low_low, &bands->planes[4]);
+  plain_analyse(high, true, &bands->planes[5], &bands->planes[6]);
+  if (!two_decompositions) {
+    bands->planes[7] = low_low;
+    return;
+  }
+  PlainPlane low2(half, half_rows / 2, fill), high2(half, half_rows / 2, fill);
+  plain_analyse(low_low, true, &low2, &high2);
+  plain_analyse(low2, false, &bands->planes[0], &bands->planes[1]);
+  plain_analyse(high2, false, &bands->planes[2], &bands->planes[3]);
+}
+
+// The reconstruction likewise. The low band of the second level may be a column wider than needed.
+inline void plain_inverse(const PlainPlane& band0, const PlainSubbands& bands,
+                          bool two_decompositions, PlainPlane* out, _Float16 fill = kNotANumber) {
+  const int half = out->width / 2;
+  const int half_rows = out->height / 2;
+  const int wide = two_decompositions ? 2 * band0.width : half;
+  PlainPlane middle(wide, 2 * rounded_up_half(half_rows), fill);
+  if (two_decompositions) {
+    PlainPlane low(wide, band0.height, fill), high(wide, band0.height, fill);
+    plain_synthesise(band0, bands.planes[1], band0.height, band0.width, false, &low);
+    plain_synthesise(bands.planes[2], bands.planes[3], band0.height, band0.width, false, &high);
+    plain_synthesise(low, high, wide, band0.height, true, &middle);
+  } else {
+    middle = band0;
+  }
+  PlainPlane low(half, out->height, fill), high(half, out->height, fill);
+  plain_synthesise(middle, bands.planes[4], half, half_rows, true, &low);
+  plain_synthesise(bands.planes[5], bands.planes[6], half, half_rows, true, &high);
+  plain_synthesise(low, high, out->height, half, false, out);
+}
+
 #endif  // VOREL_TESTS_WAVELET_SYM4_PLAIN_H_

@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr int kSubbands = 8;
-
 PlainPlane random_plane(int width, int height, uint32_t seed) {
   std::mt19937 random(seed);
   PlainPlane plane(width, height);
@@ -32,21 +30,12 @@ buffer record_of(PlainPlane& plane) {
   return record;
 }
 
-int rounded_up_half(int size) { return (size + 1) / 2; }
-
-// The subbands of a plane; all samples start as `fill`.
-struct Subbands {
-  Subbands(int width, int height, _Float16 fill) {
-    const int half = width / 2;
-    const int half_rows = height / 2;
-    for (int i = 0; i < kSubbands; ++i) {
-      planes.emplace_back(i < 4 ? rounded_up_half(half) : half,
-                          i < 4 ? rounded_up_half(half_rows) : half_rows, fill);
-    }
-    for (int i = 0; i < kSubbands; ++i) records[i] = record_of(planes[i]);
+// The same with the records that a transform takes.
+struct Subbands : PlainSubbands {
+  Subbands(int width, int height, _Float16 fill) : PlainSubbands(width, height, fill) {
+    for (int i = 0; i < kPlainSubbands; ++i) records[i] = record_of(planes[i]);
   }
-  std::vector<PlainPlane> planes;
-  std::array<buffer, kSubbands> records{};
+  std::array<buffer, kPlainSubbands> records{};
 };
 
 // A transform whose working planes start as `fill`.
@@ -69,48 +58,6 @@ class FilledTransform {
  private:
   PlainPlane samples_[2];
 };
-
-// The decomposition as passes over whole planes, by the book. Samples of working planes that no
-// pass writes are `fill`.
-void plain_forward(const PlainPlane& src, bool two_decompositions, Subbands* bands,
-                   _Float16 fill = kNotANumber) {
-  const int half = src.width / 2;
-  const int half_rows = src.height / 2;
-  PlainPlane low(half, src.height, fill), high(half, src.height, fill);
-  plain_analyse(src, false, &low, &high);
-  PlainPlane low_low(half, half_rows, fill);
-  plain_analyse(low, true, &low_low, &bands->planes[4]);
-  plain_analyse(high, true, &bands->planes[5], &bands->planes[6]);
-  if (!two_decompositions) {
-    bands->planes[7] = low_low;
-    return;
-  }
-  PlainPlane low2(half, half_rows / 2, fill), high2(half, half_rows / 2, fill);
-  plain_analyse(low_low, true, &low2, &high2);
-  plain_analyse(low2, false, &bands->planes[0], &bands->planes[1]);
-  plain_analyse(high2, false, &bands->planes[2], &bands->planes[3]);
-}
-
-// The reconstruction likewise. The low band of the second level may be a column wider than needed.
-void plain_inverse(const PlainPlane& band0, const Subbands& bands, bool two_decompositions,
-                   PlainPlane* out, _Float16 fill = kNotANumber) {
-  const int half = out->width / 2;
-  const int half_rows = out->height / 2;
-  const int wide = two_decompositions ? 2 * band0.width : half;
-  PlainPlane middle(wide, 2 * rounded_up_half(half_rows), fill);
-  if (two_decompositions) {
-    PlainPlane low(wide, band0.height, fill), high(wide, band0.height, fill);
-    plain_synthesise(band0, bands.planes[1], band0.height, band0.width, false, &low);
-    plain_synthesise(bands.planes[2], bands.planes[3], band0.height, band0.width, false, &high);
-    plain_synthesise(low, high, wide, band0.height, true, &middle);
-  } else {
-    middle = band0;
-  }
-  PlainPlane low(half, out->height, fill), high(half, out->height, fill);
-  plain_synthesise(middle, bands.planes[4], half, half_rows, true, &low);
-  plain_synthesise(bands.planes[5], bands.planes[6], half, half_rows, true, &high);
-  plain_synthesise(low, high, out->height, half, false, out);
-}
 
 // Wherever `expected` is a number, the actual sample is the same. Returns how many are.
 int expect_numbers(const PlainPlane& actual, const PlainPlane& expected, const char* name) {
@@ -160,7 +107,7 @@ TEST_P(Sym4Run, ForwardEqualsThePassesWhateverUnwrittenSamplesHold) {
                                       level, nullptr);
         const std::vector<uint16_t> untouched(bands.planes[7].samples.size(), half_bits(fill));
         if (two) EXPECT_EQ(half_bits(bands.planes[7].samples), untouched);
-        for (int i = 0; i < kSubbands; ++i) {
+        for (int i = 0; i < kPlainSubbands; ++i) {
           const std::string name = "subband " + std::to_string(i);
           expect_numbers(bands.planes[i], expected.planes[i], name.c_str());
           if (!two && i < 4) {
@@ -181,14 +128,14 @@ TEST_P(Sym4Run, InverseEqualsThePassesWhateverUnwrittenSamplesHold) {
   for (const RunSize size : kRunSizes) {
     SCOPED_TRACE(testing::Message() << size.width << " x " << size.height);
     Subbands bands(size.width, size.height, 0);
-    for (int i = 0; i < kSubbands; ++i) {
+    for (int i = 0; i < kPlainSubbands; ++i) {
       bands.planes[i].samples =
           random_plane(bands.planes[i].width, bands.planes[i].height, 10 + i).samples;
     }
     PlainPlane band0 = bands.planes[two ? 0 : 7];
     bands.planes[0] = PlainPlane(bands.planes[0].width, bands.planes[0].height, kNotANumber);
     bands.planes[7] = PlainPlane(bands.planes[7].width, bands.planes[7].height, kNotANumber);
-    for (int i = 0; i < kSubbands; ++i) bands.records[i] = record_of(bands.planes[i]);
+    for (int i = 0; i < kPlainSubbands; ++i) bands.records[i] = record_of(bands.planes[i]);
     buffer band0_record = record_of(band0);
     PlainPlane expected(size.width / 2 * 2, size.height, kNotANumber);
     plain_inverse(band0, bands, two, &expected);
@@ -256,7 +203,7 @@ TEST(Sym4RunByHand, ZeroedPlanesAreEqualToTheEdges) {
     forward.transform.forwardWtRun(&src_record, bands.records.data(), size.width, size.height, 1,
                                    nullptr);
     plain_forward(src, true, &expected, 0);
-    for (int i = 0; i < kSubbands; ++i) {
+    for (int i = 0; i < kPlainSubbands; ++i) {
       EXPECT_EQ(half_bits(bands.planes[i].samples), half_bits(expected.planes[i].samples)) << i;
     }
 
@@ -278,7 +225,7 @@ TEST(Sym4RunByHand, BothLevelsRunAtTheSameTime) {
   std::vector<Subbands> bands(2, Subbands(size.width, size.height, 0));
   std::vector<std::thread> threads;
   for (unsigned i = 0; i < 2; ++i) {
-    for (int b = 0; b < kSubbands; ++b) bands[i].records[b] = record_of(bands[i].planes[b]);
+    for (int b = 0; b < kPlainSubbands; ++b) bands[i].records[b] = record_of(bands[i].planes[b]);
     threads.emplace_back([&, i] {
       buffer record = record_of(src[i]);
       filled.transform.forwardWtRun(&record, bands[i].records.data(), size.width, size.height,
