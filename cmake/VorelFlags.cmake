@@ -44,6 +44,8 @@ endif()
 
 if(VOREL_BUILD_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
+  # The comparisons of a loop over samples tell the fuzzer nothing and took half of the time.
+  list(APPEND VOREL_KERNEL_FLAGS -fno-sanitize-coverage=trace-cmp,trace-div)
 endif()
 
 # What is installed: the prefix map keeps the place of the tree out of it, and it is hardened as Debian

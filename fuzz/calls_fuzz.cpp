@@ -1,14 +1,16 @@
-// Calls in any order: two handles made either way, frames through either call, refused ones and
-// packed ones among them, buffers released, handles closed and made again; a thread pool beside
-// them. After a packed frame a handle's slot stays taken, so only calls that never wait follow.
-#include <android/log.h>
-
+// Calls in any order: two handles made either way, with tuning files and debug levels, frames
+// through either call, refused ones and packed ones among them, buffers released, handles closed
+// and made again; a thread pool and a recorder of events beside them. After a packed frame a
+// handle's slot stays taken, so only calls that never wait follow.
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <string>
 
+#include "fuzz/debug_level.h"
 #include "fuzz/frame_input.h"
+#include "fuzz/scratch_folder.h"
+#include "tuning/sensors.h"
 #include "vorel/thread_pool.h"
 #include "vorel/tiles.h"
 #include "vorel/trace.h"
@@ -19,6 +21,16 @@ namespace {
 constexpr int kLargestWidth = 64;
 constexpr int kLargestHeight = 70;
 constexpr int kMostCalls = 12;
+
+const ScratchFolder& firmware() {
+  static const ScratchFolder folder;
+  return folder;
+}
+
+const ScratchFolder& dumps() {
+  static const ScratchFolder folder;
+  return folder;
+}
 
 struct Slot {
   vorel* handle = nullptr;
@@ -31,13 +43,16 @@ class Calls {
   ~Calls() {
     for (Slot& slot : slots_) close(slot);
     pool_.deinit();
+    vorel_set_trace_sink(nullptr, nullptr);
+    if (slices_ != 0) std::abort();
+    if (dumping_) dumps().clear();
   }
   Calls(const Calls&) = delete;
   Calls& operator=(const Calls&) = delete;
 
   void make_one() {
     Slot& slot = slots_[input_.ConsumeBool() ? 1 : 0];
-    switch (input_.ConsumeIntegralInRange(0, 10)) {
+    switch (input_.ConsumeIntegralInRange(0, 11)) {
       case 0:
         return init(slot);
       case 1:
@@ -57,6 +72,8 @@ class Calls {
         return close(slot);
       case 9:
         return use_pool();
+      case 10:
+        return record_events();
       default:
         return refuse(slot);
     }
@@ -72,11 +89,28 @@ class Calls {
     slot = {};
   }
 
+  // What handles read when they are made: debug level, folder of dumps, their sensor's file.
+  uint32_t prepare() {
+    const int level = any_debug_level(input_);
+    dumping_ = dumping_ || level >= kDebugDumpInput;
+    setenv("PERSIST_VENDOR_LIBVOREL_DEBUG", std::to_string(level).c_str(), 1);
+    const bool missing = level >= kDebugDumpInput && input_.ConsumeBool();
+    setenv("VOREL_DUMP_DIR", missing ? "/dev/null/no" : dumps().path(), 1);
+    if (input_.ConsumeIntegralInRange(0, 7) != 0) return input_.ConsumeIntegralInRange(0, 140);
+    const auto sensors = known_sensors();
+    const sensor& known = sensors[input_.ConsumeIntegralInRange<size_t>(0, sensors.size() - 1)];
+    const std::string text = input_.ConsumeRandomLengthString(80);
+    firmware().write(std::string("vorel_") + known.model + ".json", text.data(), text.size());
+    const bool long_name = input_.ConsumeIntegralInRange(0, 7) == 0;
+    setenv("VOREL_FIRMWARE_DIR", long_name ? std::string(600, 'a').c_str() : firmware().path(), 1);
+    return static_cast<uint32_t>(known.id);
+  }
+
   void init(Slot& slot) {
     close(slot);
+    const uint32_t sensor_id = prepare();
     const int width = input_.ConsumeBool() ? 16 * input_.ConsumeIntegralInRange(1, 4) : any_width();
-    slot.handle = vorel_init(width, any_height(), input_.ConsumeBool() ? 1 : 0,
-                             input_.ConsumeIntegralInRange<unsigned>(0, 140));
+    slot.handle = vorel_init(width, any_height(), input_.ConsumeBool() ? 1 : 0, sensor_id);
   }
 
   void open(Slot& slot) {
@@ -84,6 +118,7 @@ class Calls {
     const std::string text = input_.ConsumeRandomLengthString(80);
     const std::string name = input_.ConsumeRandomLengthString(10);
     vorel_options options = vorel_default_options(any_width(), any_height());
+    options.sensor_id = prepare();
     options.nice = any_int(input_, 0, 19);
     options.workers = any_int(input_, 1, 6);
     if (input_.ConsumeBool()) {
@@ -93,7 +128,6 @@ class Calls {
     if (input_.ConsumeIntegralInRange(0, 7) == 0) {
       options.size = input_.ConsumeIntegral<uint8_t>();
       options.scenario = any_int(input_, 0, 1);
-      options.sensor_id = input_.ConsumeIntegral<uint32_t>();
       options.cpu_mask = input_.ConsumeIntegral<uint32_t>();
       options.thread_name = input_.ConsumeBool() ? name.c_str() : nullptr;
       options.tuning_path = input_.ConsumeBool() ? "/dev/null" : nullptr;
@@ -127,8 +161,14 @@ class Calls {
     const int format = input_.PickValueInArray(kFormats);
     FuzzFrame plain = frame(0);
     const vorel_frame record = plain.record(any_int(input_, 0, 5000));
+    const frame_planes left = slot.handle != nullptr ? *slot.handle : frame_planes{};
     void* result = vorel_run(slot.handle, record.luma, record.chroma, record.width, record.height,
                              format, record.noise_index);
+    // The planes of an earlier frame that this one has forgotten, as it always does.
+    if (slot.handle != nullptr && slot.handle->mfd_u != left.mfd_u) {
+      std::free(left.mfd_u);
+      std::free(left.mfd_v);
+    }
     const bool known = format == VOREL_FMT_NV21 || format == VOREL_FMT_NM21;
     slot.taken = !known && result != slot.handle;
   }
@@ -173,6 +213,21 @@ class Calls {
                     input_.ConsumeIntegral<int>());
   }
 
+  // Slices are closed on the thread that opened them: at the end none is open.
+  static void record(void* open_slices, int32_t kind, const char* name, int64_t) {
+    auto* slices = static_cast<std::atomic<int>*>(open_slices);
+    if (kind == VOREL_TRACE_BEGIN) slices->fetch_add(1);
+    if (kind == VOREL_TRACE_END) slices->fetch_sub(1);
+    if ((kind == VOREL_TRACE_END) != (name == nullptr)) std::abort();
+  }
+
+  void record_events() {
+    pool_.deinit();  // whose last job may not have closed its slice
+    workers_ = -1;
+    expected_ = ran_;
+    vorel_set_trace_sink(input_.ConsumeBool() ? record : nullptr, &slices_);
+  }
+
   static void* count(void* counter) {
     static_cast<std::atomic<int>*>(counter)->fetch_add(1);
     return nullptr;
@@ -213,13 +268,16 @@ class Calls {
   ThreadPool pool_;
   int workers_ = -1;  // none was asked for
   std::atomic<int> ran_{0};
+  std::atomic<int> slices_{0};
+  bool dumping_ = false;
   int expected_ = 0;
 };
 
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  __android_log_set_minimum_priority(ANDROID_LOG_FATAL);
+  prepare_frames();
+  setenv("VOREL_FIRMWARE_DIR", firmware().path(), 1);
   return 0;
 }
 

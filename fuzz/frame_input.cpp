@@ -1,6 +1,10 @@
 #include "fuzz/frame_input.h"
 
+#include <android/log.h>
+#include <pthread.h>
+
 #include <algorithm>
+#include <cstdlib>
 #include <initializer_list>
 #include <iterator>
 #include <random>
@@ -32,6 +36,18 @@ void fill(FuzzedDataProvider& input, GuardedBytes& plane) {
 }
 
 }  // namespace
+
+void prepare_frames() {
+  __android_log_set_minimum_priority(ANDROID_LOG_FATAL);
+#if defined(__GLIBC__)
+  constexpr size_t kStackBytes = 256 * 1024;
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, kStackBytes);
+  if (pthread_setattr_default_np(&attributes) != 0) std::abort();
+  pthread_attr_destroy(&attributes);
+#endif
+}
 
 int32_t any_int(FuzzedDataProvider& input, int32_t low, int32_t high) {
   return input.ConsumeIntegralInRange<int>(0, 7) == 0 ? input.ConsumeIntegral<int32_t>()

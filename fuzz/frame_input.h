@@ -10,6 +10,10 @@
 #include "vorel/frame.h"
 #include "vorel/tuning.h"
 
+// Once, before the first input: no log, and threads with small stacks, because what a sanitizer
+// does for a thread grows with its stack.
+void prepare_frames();
+
 // Small values of a field are the likely ones; the others must do no harm either.
 int32_t any_int(FuzzedDataProvider& input, int32_t low, int32_t high);
 float any_float(FuzzedDataProvider& input);

@@ -1,12 +1,11 @@
 #include "fuzz/picture_check.h"
 
-#include <fcntl.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <utility>
 
+#include "fuzz/scratch_folder.h"
 #include "tools/pictures/colour.h"
 #include "tools/pictures/exif_iso.h"
 #include "tools/pictures/picture_io.h"
@@ -16,34 +15,6 @@
 namespace {
 
 constexpr int64_t kMostPixels = 1 << 16;
-
-// A folder in memory with one file at a time.
-class InputFolder {
- public:
-  InputFolder() {
-    if (mkdtemp(folder_) == nullptr) std::abort();
-  }
-  ~InputFolder() {
-    unlink(path_.c_str());
-    rmdir(folder_);
-  }
-  InputFolder(const InputFolder&) = delete;
-  InputFolder& operator=(const InputFolder&) = delete;
-
-  const std::string& write(const std::string& name, const uint8_t* data, size_t size) {
-    const std::string path = std::string(folder_) + "/" + name;
-    if (path != path_) unlink(path_.c_str());
-    path_ = path;
-    const int file = open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (file < 0 || ::write(file, data, size) != static_cast<ssize_t>(size)) std::abort();
-    close(file);
-    return path_;
-  }
-
- private:
-  char folder_[32] = "/dev/shm/vorel_fuzz_XXXXXX";
-  std::string path_;
-};
 
 void check_jpeg(const tool::Picture& picture) {
   tool::Nv21Frame frame = tool::as_nv21(picture, {});
@@ -73,9 +44,13 @@ void check_picture(const tool::Picture& picture) {
 }  // namespace
 
 std::string write_input(std::string name, const uint8_t* data, size_t size) {
-  static InputFolder folder;
+  static const ScratchFolder folder;
+  static std::string before;
   std::replace_if(name.begin(), name.end(), [](char c) { return c == '/' || c == '\0'; }, '.');
-  return folder.write(name, data, size);
+  std::string path = folder.write(name, data, size);
+  if (path != before) unlink(before.c_str());
+  before = path;
+  return path;
 }
 
 void read_pictures(const std::string& path, const tool::ReadOptions& options) {

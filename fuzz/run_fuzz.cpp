@@ -1,12 +1,11 @@
 // Frames of any size, stride, layout, noise index and content, legal or not, on a handle of another
 // size, by both calls. The planes end at unreadable pages. What refuses a frame leaves it as it
 // was.
-#include <android/log.h>
-
 #include <cstdlib>
 #include <vector>
 
 #include "core/handle.h"
+#include "fuzz/debug_level.h"
 #include "fuzz/frame_input.h"
 
 namespace {
@@ -15,11 +14,13 @@ namespace {
 // strips of the restore step.
 constexpr int kLargestWidth = 80;
 constexpr int kLargestHeight = 70;
+constexpr int kUsualHeight = 24;
 constexpr int kTallHeight = 1100;
 
 int any_height(FuzzedDataProvider& input, int width) {
-  const bool tall = width <= 32 && input.ConsumeIntegralInRange(0, 63) == 0;
-  return input.ConsumeIntegralInRange(0, tall ? kTallHeight : kLargestHeight);
+  const int choice = input.ConsumeIntegralInRange(0, 63);
+  if (choice == 1 && width <= 32) return input.ConsumeIntegralInRange(0, kTallHeight);
+  return input.ConsumeIntegralInRange(0, choice < 16 ? kLargestHeight : kUsualHeight);
 }
 
 std::vector<uint8_t> bytes_of(FuzzFrame& frame) {
@@ -44,8 +45,11 @@ void run_frame(FuzzedDataProvider& input, vorel* handle) {
   bool untouched = false;
   if (by_frame_call) {
     const vorel_frame record = frame.record(noise_index);
-    const vorel_status status = vorel_denoise_frame(handle, &record, nullptr);
+    vorel_frame_info info{};
+    info.size = sizeof(info);
+    const vorel_status status = vorel_denoise_frame(handle, &record, &info);
     untouched = status < 0 || status == VOREL_BELOW_GATE;
+    if (info.dumps_failed != 0) std::abort();
   } else {
     // Other formats keep the handle's slot for good.
     const int format = input.ConsumeBool() ? VOREL_FMT_NV21 : VOREL_FMT_NM21;
@@ -60,7 +64,7 @@ void run_frame(FuzzedDataProvider& input, vorel* handle) {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  __android_log_set_minimum_priority(ANDROID_LOG_FATAL);
+  prepare_frames();
   return 0;
 }
 
@@ -73,8 +77,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   vorel* handle = vorel_open(&options, nullptr);
   if (handle == nullptr) return 0;
   fill_tuning(input, handle->tuning);
-  for (int frames = input.ConsumeIntegralInRange(1, 3); frames > 0; --frames) {
-    run_frame(input, handle);
+  {
+    const DebugLevel level(input, handle);
+    for (int frames = input.ConsumeIntegralInRange(1, 3); frames > 0; --frames) {
+      run_frame(input, handle);
+    }
   }
   if (vorel_deinit(handle) != 0) std::abort();
   return 0;

@@ -1,20 +1,20 @@
 // Any value in any field of a tuning, then a frame. Its spatial path is compared with the plain
-// form, and the whole with the same frame on another handle, with other workers, in the other
-// layout, with gaps between its rows.
-#include <android/log.h>
-
+// form, and the whole with the same frame on another handle, with other workers, at another debug
+// level, in the other layout, with gaps between its rows.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
 
 #include "core/handle.h"
+#include "fuzz/debug_level.h"
 #include "fuzz/frame_input.h"
 #include "fuzz/plain_frame.h"
 
 namespace {
 
-constexpr int kBlocks = 12;    // of 16 x 16 pixels, at most
+constexpr int kBlocks = 12;  // of 16 x 16 pixels, at most
+constexpr int kFewBlocks = 4;
 constexpr int kTallest = 130;  // the box filter's strips have one row and two
 
 vorel* g_dense;
@@ -80,7 +80,7 @@ struct StridedCopy {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  __android_log_set_minimum_priority(ANDROID_LOG_FATAL);
+  prepare_frames();
   g_dense = open_handle(3);
   g_strided = open_handle(1);
   return 0;
@@ -90,12 +90,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzedDataProvider input(data, size);
   fill_tuning(input, g_dense->tuning);
   g_strided->tuning = g_dense->tuning;
-  const int cols = input.ConsumeIntegralInRange(1, kBlocks);
+  const int blocks = input.ConsumeIntegralInRange(0, 7) == 0 ? kBlocks : kFewBlocks;
+  const int cols = input.ConsumeIntegralInRange(1, blocks);
   const int width = 16 * cols;
   const int height =
-      2 * input.ConsumeIntegralInRange(1, std::min(kTallest, 16 * (kBlocks / cols)) / 2);
+      2 * input.ConsumeIntegralInRange(1, std::min(kTallest, 16 * (blocks / cols)) / 2);
   const int gap = input.ConsumeIntegralInRange(1, 40);
   const int noise_index = any_int(input, 0, 10000);
+  const DebugLevel level(input, g_dense);
   FuzzFrame frame(input, width, height, width, width, height / 2, VOREL_LAYOUT_NV21);
   PlainFrame plain{width, height, {}, {}};
   plain.luma.assign(frame.luma().data(), frame.luma().data() + frame.luma().size());

@@ -1,22 +1,68 @@
-// Any bytes as a tuning file: parsed, decoded, and a frame's values selected from the result.
+// Any bytes as a tuning file: parsed, decoded, and a frame's values selected from the result. A
+// sensor's file, and one with a path, give what the same text in memory gives.
 #include <android/log.h>
 #include <jansson.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <cstring>
 #include <initializer_list>
+#include <string>
 
+#include "fuzz/scratch_folder.h"
+#include "platform/directories.h"
 #include "tuning/tuning.h"
 #include "vorel/filters.h"
 
+namespace {
+
+constexpr char kFile[] = "vorel_NOTHING.json";
+constexpr size_t kFileShare = 16;  // every so many inputs are tried as files: those take longer
+
+const ScratchFolder& firmware() {
+  static const ScratchFolder folder;
+  return folder;
+}
+
+struct Loaded {
+  explicit Loaded(const tuning_source& source) {
+    set_default_tuning(&tuning);
+    loaded = load_tuning(source, &tuning, version);
+  }
+  bool operator==(const Loaded& other) const {
+    return loaded == other.loaded && std::strcmp(version, other.version) == 0 &&
+           std::memcmp(&tuning, &other.tuning, sizeof(tuning)) == 0;
+  }
+
+  cnr_tuning tuning{};
+  char version[kTuningVersionSize] = {};
+  bool loaded;
+};
+
+// A file ends for its reader where a zero stands.
+void compare_files(const char* text, size_t size) {
+  const std::string path = firmware().write(kFile, text, size);
+  const Loaded from_text({"", nullptr, text, strnlen(text, size)});
+  const Loaded from_path({"", path.c_str(), nullptr, 0});
+  if (!(from_path == from_text)) __builtin_trap();
+  // Only hosts let a variable name the folder.
+  if (std::strcmp(firmware_directory(), firmware().path()) != 0) return;
+  if (!(Loaded({"NOTHING", nullptr, nullptr, 0}) == from_text)) __builtin_trap();
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   __android_log_set_minimum_priority(ANDROID_LOG_FATAL);
+  setenv("VOREL_FIRMWARE_DIR", firmware().path(), 1);
   return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   json_t* root =
       json_loadb(reinterpret_cast<const char*>(data), size, JSON_DISABLE_EOF_CHECK, nullptr);
+  if (size % kFileShare == 0) compare_files(reinterpret_cast<const char*>(data), size);
   if (root == nullptr) return 0;
 
   // Each of the two readers drops a reference of a root that it refuses.

@@ -63,7 +63,7 @@ SEAMS = {
     r"cutils/.*": ["platform"],
     r"gst/.*": ["gstreamer", "tests"],
     r"jansson\.h": ["tuning", "core", "tools", "tests", "bench", "fuzz", "harden"],
-    r"pthread\.h": ["platform", "threading", "core", "tests", "harden", "examples"],
+    r"pthread\.h": ["platform", "threading", "core", "tests", "fuzz", "harden", "examples"],
     r"(thread|mutex|condition_variable|future)": ["tools", "tests", "bench", "fuzz", "harden", "examples"],
     r"sys/(syscall|resource|prctl)\.h|sched\.h": ["platform", "tests", "tools", "bench", "harden"],
 }
