@@ -27,6 +27,7 @@ options_of() {
     tuned_frame | run) echo -len_control=0 -max_len=1024 ;;
     jpeg) echo -max_len=4096 tests/tools/data ;;
     kernels) echo -max_len=128 ;;
+    doors) echo -max_len=512 ;;
     *) echo -max_len=2048 ;;
   esac
 }

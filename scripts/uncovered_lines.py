@@ -1,0 +1,80 @@
+#!/usr/bin/env python3
+"""Counts the lines of the library that a run reached, from an lcov file, and lists the others.
+
+    scripts/uncovered_lines.py LCOV REASONS
+
+A line of REASONS is "file | words | reason": lines of the file that follow each other and were not
+reached are out of reach for this reason when the words stand in one of them, or in the line before,
+which is the condition. Status 1 when fewer than 95 % of the lines are reached, or when lines are
+not and have no reason.
+"""
+
+import sys
+from pathlib import Path
+
+GOAL = 95.0
+ROOMS = {"core", "threading", "tuning", "filters", "convert", "wavelet", "platform", "include"}
+ROOT = Path(__file__).resolve().parent.parent
+
+
+def read_lines(path):
+    """{file: {line: times reached}} of the library's files."""
+    files = {}
+    lines = {}
+    for text in Path(path).read_text(encoding="utf-8").splitlines():
+        key, _, value = text.partition(":")
+        if key == "SF":
+            source = Path(value).resolve()
+            name = source.relative_to(ROOT) if source.is_relative_to(ROOT) else Path("elsewhere")
+            lines = files.setdefault(str(name), {}) if name.parts[0] in ROOMS else {}
+        elif key == "DA":
+            number, times = map(int, value.split(",")[:2])
+            lines[number] = lines.get(number, 0) + times
+    return files
+
+
+def read_reasons(path):
+    """[(file, words, reason)]"""
+    rows = []
+    for text in Path(path).read_text(encoding="utf-8").splitlines():
+        if text and not text.startswith("#"):
+            rows.append(tuple(part.strip() for part in text.split(" | ", 2)))
+    return rows
+
+
+def missed_blocks(lines):
+    """[first, last] of lines that were not reached, with no reached one between them."""
+    blocks = []
+    after_reached = True
+    for number in sorted(lines):
+        if lines[number] == 0:
+            if after_reached:
+                blocks.append([number, number])
+            blocks[-1][1] = number
+        after_reached = lines[number] != 0
+    return blocks
+
+
+def main():
+    if len(sys.argv) != 3:
+        sys.exit(__doc__)
+    files = read_lines(sys.argv[1])
+    reasons = read_reasons(sys.argv[2])
+    unexplained = 0
+    for name in sorted(files):
+        source = (ROOT / name).read_text(encoding="utf-8").splitlines()
+        for first, last in missed_blocks(files[name]):
+            text = "\n".join(source[max(first - 2, 0):last])
+            reason = next((why for file, words, why in reasons if file == name and words in text), None)
+            unexplained += reason is None
+            print(f"{name}:{first}-{last}: {reason or 'NO REASON GIVEN'}")
+    total = sum(len(lines) for lines in files.values())
+    reached = sum(times > 0 for lines in files.values() for times in lines.values())
+    percent = 100.0 * reached / max(total, 1)
+    print(f"{reached} of {total} lines of the library reached ({percent:.1f} %), "
+          f"{unexplained} places without a reason")
+    return 0 if percent >= GOAL and unexplained == 0 else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
