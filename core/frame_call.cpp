@@ -182,18 +182,17 @@ vorel_status vorel_denoise_frame(vorel* handle, const vorel_frame* frame, vorel_
   VOREL_LOGI("%s - E", kCaller);
   vorel_frame_info own{};
   own.size = sizeof(own);
+  const bool known = info == nullptr || info->size == sizeof(own);
   vorel_status status = VOREL_BAD_RECORD;
   if (handle == nullptr) {
     status = VOREL_BAD_HANDLE;
-  } else if (info == nullptr || info->size == sizeof(own)) {
+  } else if (known) {
     status = denoise_frame(handle, frame, &own);
-  } else {
-    info = nullptr;
   }
   if (status < 0) VOREL_LOGE("%s, %s", kCaller, vorel_status_text(status));
   own.status = status;
   own.total_usec = usec_since(start);
-  if (info != nullptr) *info = own;
+  if (info != nullptr && known) *info = own;
   VOREL_LOGI("%s - X", kCaller);
   return status;
 }

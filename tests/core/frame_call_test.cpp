@@ -212,6 +212,7 @@ TEST_F(FrameCallTest, InfoTellsValuesStagesAndTimes) {
   EXPECT_EQ(info.spatial + 2 * info.wavelet, 3);
   info.size -= 1;
   EXPECT_EQ(denoise(handle, &frame, 640, &info), VOREL_BAD_RECORD);
+  EXPECT_EQ(denoise(nullptr, &frame, 640, &info), VOREL_BAD_HANDLE);
   EXPECT_EQ(info.status, VOREL_BELOW_GATE) << "a record of unknown size is not written";
 
   vorel_handle_info made{};
