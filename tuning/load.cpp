@@ -145,8 +145,3 @@ bool load_tuning(const tuning_source& source, cnr_tuning* tuning, char* version)
   ReleaseJson(root);
   return !refused;
 }
-
-void load_tuning_file(const char* sensor_name, cnr_tuning* tuning) {
-  char version[kTuningVersionSize];
-  static_cast<void>(load_tuning({sensor_name, nullptr, nullptr, 0}, tuning, version));
-}

@@ -40,9 +40,6 @@ struct tuning_source {
 // (kTuningVersionSize bytes). Returns false and leaves `tuning` alone when there is none to use.
 bool load_tuning(const tuning_source& source, cnr_tuning* tuning, char* version);
 
-// The sensor's file.
-void load_tuning_file(const char* sensor_name, cnr_tuning* tuning);
-
 // Drops one reference; null is allowed.
 void ReleaseJson(json_t* root);
 

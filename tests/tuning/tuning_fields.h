@@ -8,7 +8,14 @@
 #include <utility>
 #include <vector>
 
+#include "tuning/tuning.h"
 #include "vorel/tuning.h"
+
+// As a handle loads the file of its sensor.
+inline void load_tuning_file(const char* sensor_name, cnr_tuning* tuning) {
+  char version[kTuningVersionSize];
+  static_cast<void>(load_tuning({sensor_name, nullptr, nullptr, 0}, tuning, version));
+}
 
 // Calls visit(name, first value, count) for each field.
 template <typename Visitor>
