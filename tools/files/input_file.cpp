@@ -13,6 +13,7 @@ namespace tool {
 namespace {
 
 constexpr size_t kBlock = size_t{1} << 20;
+constexpr size_t kFirstPeek = 4096;
 
 FILE* open_input(const std::string& path) {
   if (path != kStandardStream) return std::fopen(path.c_str(), "rbe");
@@ -40,12 +41,16 @@ void InputFile::check_error() const {
 }
 
 const std::vector<uint8_t>& InputFile::peek(size_t count) {
-  const size_t had = front_.size();
-  if (had < count) {
-    front_.resize(count);
-    front_.resize(had + std::fread(front_.data() + had, 1, count - had, file_.get()));
-    check_error();
+  // In growing steps: most files are much shorter than what a caller would look at.
+  for (bool more = true; more && front_.size() < count;) {
+    const size_t had = front_.size();
+    const size_t step = std::min(count - had, std::max(had, kFirstPeek));
+    front_.resize(had + step);
+    const size_t got = std::fread(front_.data() + had, 1, step, file_.get());
+    front_.resize(had + got);
+    more = got == step;
   }
+  check_error();
   return front_;
 }
 
