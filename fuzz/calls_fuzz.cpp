@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kLargestWidth = 64;
 constexpr int kLargestHeight = 70;
-constexpr int kMostCalls = 12;
+constexpr int kMostCalls = 8;
 
 const ScratchFolder& firmware() {
   static const ScratchFolder folder;
@@ -94,8 +94,9 @@ class Calls {
     const int level = any_debug_level(input_);
     dumping_ = dumping_ || level >= kDebugDumpInput;
     setenv("PERSIST_VENDOR_LIBVOREL_DEBUG", std::to_string(level).c_str(), 1);
-    const bool missing = level >= kDebugDumpInput && input_.ConsumeBool();
-    setenv("VOREL_DUMP_DIR", missing ? "/dev/null/no" : dumps().path(), 1);
+    // Neither of the others takes a folder.
+    const char* folders[] = {dumps().path(), dumps().path(), "/dev/null/no", "/proc/self"};
+    setenv("VOREL_DUMP_DIR", input_.PickValueInArray(folders), 1);
     if (input_.ConsumeIntegralInRange(0, 7) != 0) return input_.ConsumeIntegralInRange(0, 140);
     const auto sensors = known_sensors();
     const sensor& known = sensors[input_.ConsumeIntegralInRange<size_t>(0, sensors.size() - 1)];
@@ -120,7 +121,7 @@ class Calls {
     vorel_options options = vorel_default_options(any_width(), any_height());
     options.sensor_id = prepare();
     options.nice = any_int(input_, 0, 19);
-    options.workers = any_int(input_, 1, 6);
+    options.workers = any_int(input_, 1, 3);
     if (input_.ConsumeBool()) {
       options.tuning_text = text.data();
       options.tuning_text_bytes = text.size();
@@ -139,16 +140,19 @@ class Calls {
     if ((status == VOREL_DONE) != (slot.handle != nullptr)) std::abort();
   }
 
-  FuzzFrame frame(int gap) {
+  // Without a tuning of their own handles leave frames below 40960 alone.
+  int any_noise_index() { return any_int(input_, 0, 80000); }
+
+  FuzzFrame frame(int gap, bool twice = false) {
     const int width =
         input_.ConsumeBool() ? 16 * input_.ConsumeIntegralInRange(1, 4) : std::abs(any_width());
     const int height = std::abs(any_height());
     const int pairs = (width + 1) / 2 * 2;
-    return FuzzFrame(input_, width, height, width + gap, pairs + gap, (height + 1) / 2,
-                     input_.ConsumeIntegralInRange<int32_t>(0, 1));
+    return FuzzFrame(input_, width, twice ? 2 * height : height, width + gap, pairs + gap,
+                     (height + 1) / 2, input_.ConsumeIntegralInRange<int32_t>(0, 1));
   }
 
-  // Packed frames hold two bytes a pixel; none is read, but the planes have them.
+  // Packed frames hold two bytes a pixel, which dumps read.
   void run(Slot& slot) {
     if (slot.taken) return;
     constexpr int kFormats[] = {VOREL_FMT_NV21,
@@ -159,11 +163,13 @@ class Calls {
                                 VOREL_FMT_YUY2,
                                 0};
     const int format = input_.PickValueInArray(kFormats);
-    FuzzFrame plain = frame(0);
-    const vorel_frame record = plain.record(any_int(input_, 0, 5000));
+    const bool packed = format == VOREL_FMT_YUYV || format == VOREL_FMT_YUY2;
+    FuzzFrame plain = frame(0, packed);
+    const vorel_frame record = plain.record(any_noise_index());
     const frame_planes left = slot.handle != nullptr ? *slot.handle : frame_planes{};
-    void* result = vorel_run(slot.handle, record.luma, record.chroma, record.width, record.height,
-                             format, record.noise_index);
+    const int height = packed ? record.height / 2 : record.height;
+    void* result = vorel_run(slot.handle, record.luma, record.chroma, record.width, height, format,
+                             record.noise_index);
     // The planes of an earlier frame that this one has forgotten, as it always does.
     if (slot.handle != nullptr && slot.handle->mfd_u != left.mfd_u) {
       std::free(left.mfd_u);
@@ -175,7 +181,7 @@ class Calls {
 
   void denoise(Slot& slot) {
     FuzzFrame given = frame(input_.ConsumeIntegralInRange(-1, 9));
-    const vorel_frame record = given.record(any_int(input_, 0, 5000));
+    const vorel_frame record = given.record(any_noise_index());
     vorel_frame_info info{};
     info.size = sizeof(info);
     const vorel_status status = vorel_denoise_frame(slot.handle, &record, &info);
@@ -191,9 +197,15 @@ class Calls {
     const vorel_frame* given = input_.ConsumeBool() ? &record : nullptr;
     if (vorel_denoise_frame(slot.handle, given, nullptr) >= 0) std::abort();
     if (!slot.taken &&
-        vorel_run(slot.handle, nullptr, nullptr, 16, 2, VOREL_FMT_NV21, 10000) != slot.handle) {
+        vorel_run(slot.handle, nullptr, nullptr, 16, 2, VOREL_FMT_NV21, 50000) != slot.handle) {
       std::abort();
     }
+    vorel_frame_info info{};
+    if (vorel_denoise_frame(slot.handle, &record, &info) >= 0 || info.status != 0) std::abort();
+    // Scenarios are 0 and 1; what comes back for others is memory and no handle.
+    std::free(vorel_init(16, 16, input_.ConsumeIntegralInRange(2, 9), 0));
+    // More samples than 31 bits count.
+    if (vorel_init(65536, 32768, 0, 0) != nullptr) std::abort();
   }
 
   void ask(Slot& slot) {
@@ -201,9 +213,8 @@ class Calls {
     info.size = input_.ConsumeBool() ? sizeof(info) : 1;
     const vorel_status status = vorel_get_handle_info(slot.handle, &info);
     if (status == VOREL_DONE && (info.level_count < 0 || info.level_count > 12)) std::abort();
-    if (vorel_status_text(static_cast<vorel_status>(input_.ConsumeIntegralInRange(-13, 4))) ==
-        nullptr) {
-      std::abort();
+    for (int any = -13; any < 5; ++any) {
+      if (vorel_status_text(static_cast<vorel_status>(any)) == nullptr) std::abort();
     }
     TilePosHorz tiles[8];
     calcTilePosHorz(tiles, input_.ConsumeIntegralInRange(-1, 8), input_.ConsumeIntegral<int>(),
@@ -248,6 +259,7 @@ class Calls {
         return;
       case 1:
         if (pool_.addWork(count, &ran_) == 0) ++expected_;
+        if (workers_ == -1 && pool_.thread_init(nullptr, 0, &pool_, 1, 1) != -1) std::abort();
         return;
       case 2:
         if (workers_ == 0) return;

@@ -175,7 +175,9 @@ void saturate(FuzzedDataProvider& input) {
   out.width = 2 * pairs;
   out.height = rows;
   Denoise denoise;
-  denoise.setup(1, 1, 1, 1, input.ConsumeIntegralInRange(0, 3) == 0 ? 1 : 0, nullptr, nullptr);
+  ThreadPool pool;  // without workers: the jobs run here
+  denoise.setup(1, 1, 1, 1, input.ConsumeIntegralInRange(0, 3) == 0 ? 1 : 0, nullptr,
+                input.ConsumeBool() ? &pool : nullptr);
   const int form = input.ConsumeIntegralInRange(0, 3);
   uint32_t begin = input.ConsumeIntegralInRange(0u, rows + 1);
   uint32_t end = input.ConsumeIntegralInRange(begin, rows + 2);

@@ -45,26 +45,32 @@ bilateralfiltering_tuning any_bilateral(FuzzedDataProvider& input) {
 // A part of the interior, with weights of either kind.
 void filter_part(FuzzedDataProvider& input) {
   bilateralfiltering_tuning tuning = any_bilateral(input);
-  const int span_row = input.ConsumeIntegralInRange(0, 4);
-  const int span_col = input.ConsumeIntegralInRange(0, 4);
+  // With a negative one the window is empty and the part becomes 0.
+  const int span_row = input.ConsumeIntegralInRange(-1, 4);
+  const int span_col = input.ConsumeIntegralInRange(-1, 4);
+  const bool windowed = span_row >= 0 && span_col >= 0;
   const int height = input.ConsumeIntegralInRange(1, 16);
   const int width = input.ConsumeIntegralInRange(1, 30);
   const bool stored = input.ConsumeBool();
-  const int inner = std::max(0, width - 2 * span_col) / 8 * 8;
+  const int inner = std::max(0, width - 2 * std::max(span_col, 0)) / 8 * 8;
   const int left = (width - inner) / 2 + input.ConsumeIntegralInRange(0, inner);
   const int right = width - inner - (width - inner) / 2;
-  const int top = span_row + input.ConsumeIntegralInRange(0, 3);
+  const int bottom = std::max(span_row, 0);
+  const int top = bottom + input.ConsumeIntegralInRange(0, 3);
   std::vector<uint8_t> src = any_bytes(input, area(height, width));
   std::vector<uint8_t> dst(src.size(), 7), interior = dst;
   const auto filter = stored ? bilateral_filter_opt_center_neon : bilateral_filter_center_neon;
-  filter(src.data(), dst.data(), height, width, top, span_row, left, right, span_row, span_col,
+  filter(src.data(), dst.data(), height, width, top, bottom, left, right, span_row, span_col,
          &tuning);
   const PlainBilateral plain{src.data(), interior.data(), height, width, span_row, span_col};
-  plain.filter(tuning, stored ? plain_stored_weight : plain_polynomial_weight, true);
+  if (windowed) {
+    plain.filter(tuning, stored ? plain_stored_weight : plain_polynomial_weight, true);
+  }
   for (size_t i = 0; i < src.size(); ++i) {
     const int y = static_cast<int>(i) / width;
     const int x = static_cast<int>(i) % width;
-    const uint8_t expected = y >= top && x >= left ? interior[i] : 7;
+    const bool inside = y >= top && y < height - bottom && x >= left && x < width - right;
+    const uint8_t expected = !inside ? 7 : windowed ? interior[i] : 0;
     if (dst[i] != expected) differ("bilateral, a part", i, dst[i], expected);
   }
 }

@@ -19,7 +19,7 @@ for target in "${targets[@]}"; do
     if [ -d "$folder" ]; then folders+=("$folder"); fi
   done
   # How often an edge is taken is left out: that alone keeps ten times as many.
-  "$build/fuzz/${target}_fuzz" -set_cover_merge=1 -use_counters=0 -max_len=4096 -timeout=60 -close_fd_mask=3 \
+  "$build/fuzz/${target}_fuzz" -set_cover_merge=1 -use_counters=0 -timeout=60 -close_fd_mask=3 \
     "$fresh" "${folders[@]}" >out/fuzz/merge.log 2>&1 || { tail -n 30 out/fuzz/merge.log; exit 1; }
   rm -rf "$kept"
   mkdir -p "$kept"

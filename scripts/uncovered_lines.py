@@ -60,14 +60,19 @@ def main():
         sys.exit(__doc__)
     files = read_lines(sys.argv[1])
     reasons = read_reasons(sys.argv[2])
+    needed = set()
     unexplained = 0
     for name in sorted(files):
         source = (ROOT / name).read_text(encoding="utf-8").splitlines()
         for first, last in missed_blocks(files[name]):
             text = "\n".join(source[max(first - 2, 0):last])
-            reason = next((why for file, words, why in reasons if file == name and words in text), None)
-            unexplained += reason is None
-            print(f"{name}:{first}-{last}: {reason or 'NO REASON GIVEN'}")
+            row = next((row for row in reasons if row[0] == name and row[1] in text), None)
+            needed.add(row)
+            unexplained += row is None
+            print(f"{name}:{first}-{last}: {row[2] if row else 'NO REASON GIVEN'}")
+    for row in reasons:
+        if row not in needed:
+            print(f"not needed this time: {row[0]} | {row[1]}")
     total = sum(len(lines) for lines in files.values())
     reached = sum(times > 0 for lines in files.values() for times in lines.values())
     percent = 100.0 * reached / max(total, 1)
