@@ -15,6 +15,7 @@ constexpr int kWhite = 250;
 constexpr int kLumaStep = 4;
 
 constexpr double kQuiet = 0.25;  // the quiet part of the blocks
+constexpr double kQuietest = 0.1;
 constexpr double kMiddle = 0.5;
 
 // How much busy places and agreeing planes lower the estimate; from noisy pictures whose clean form
@@ -178,6 +179,10 @@ NoiseByScale quiet_noise(const std::vector<BlockMoments>& blocks, Value mean_squ
   return noise;
 }
 
+double log_ratio(double noise, double other, double least_other) {
+  return std::log((noise + kLeastChroma) / (other + least_other));
+}
+
 double deviation(const Moments& m) { return std::sqrt((m.first + m.second) / 2); }
 
 // What is left of the deviation when the planes agree: all of it for planes that have nothing in
@@ -204,6 +209,11 @@ double quiet_noise_of(const std::vector<BlockMoments>& blocks, int scale) {
   return quantile_of(blocks, scale, kQuiet, own_deviation);
 }
 
+// Of the means of a scale to those of the next finer one.
+double coarseness(const std::vector<BlockMoments>& blocks, int scale) {
+  return log_ratio(quiet_noise_of(blocks, scale), quiet_noise_of(blocks, scale - 1), kLeastChroma);
+}
+
 // Means of 4 x 4 samples say how much noise there is; the scale that looks least like noise says
 // how far that is to be believed.
 double estimate_from(const std::vector<BlockMoments>& blocks) {
@@ -212,10 +222,6 @@ double estimate_from(const std::vector<BlockMoments>& blocks) {
     least = std::min(least, purity(blocks, scale));
   }
   return quiet_noise_of(blocks, kDecidingScale) * std::pow(least, kImpurityPower);
-}
-
-double log_ratio(double noise, double other, double least_other) {
-  return std::log((noise + kLeastChroma) / (other + least_other));
 }
 
 std::vector<BlockMoments> chroma_moments(const FrameView& frame, int first_scale) {
@@ -233,6 +239,7 @@ std::optional<ChromaNoise> measure_chroma_noise(const FrameView& frame) {
   const double busy = quantile_of(blocks, kDecidingScale, kMiddle, deviation);
   // Of means of 4 x 4 pixels, as 2 x 2 chroma samples are.
   const double luma = measure_luma_noise(frame)->back();
+  const double coarse = coarseness(blocks, kDecidingScale + 1);
   return ChromaNoise{
       .first = quiet_noise(blocks, [](const Moments& m) { return m.first; }),
       .second = quiet_noise(blocks, [](const Moments& m) { return m.second; }),
@@ -240,8 +247,11 @@ std::optional<ChromaNoise> measure_chroma_noise(const FrameView& frame) {
       .quiet = quiet,
       .purity = busy > 0 ? quiet / busy : 0,
       .own_share = quantile_of(blocks, kDecidingScale, kQuiet, own_share),
-      .coarseness = log_ratio(quiet_noise_of(blocks, kDecidingScale + 1), quiet, kLeastChroma),
-      .to_luma = log_ratio(quiet_noise_of(blocks, kFirstEstimatingScale), luma, kLeastLuma)};
+      .coarseness = coarse,
+      .to_luma = log_ratio(quiet_noise_of(blocks, kFirstEstimatingScale), luma, kLeastLuma),
+      .evenness = log_ratio(quantile_of(blocks, kDecidingScale, kQuietest, own_deviation), quiet,
+                            kLeastChroma),
+      .bend = coarse - coarseness(blocks, 1)};
 }
 
 std::optional<double> estimate_chroma_noise(const FrameView& frame) {

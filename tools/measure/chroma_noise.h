@@ -47,10 +47,14 @@ struct ChromaNoise {
   double quiet;
   double purity;
   double own_share;
-  // Logarithms of ratios of quiet noise: means of 8 x 8 samples to those of 4 x 4, and chroma to
-  // luma over 4 x 4 pixels.
+  // Logarithms of ratios of quiet noise: means of 8 x 8 samples to those of 4 x 4, chroma to luma
+  // over 4 x 4 pixels, and the quietest tenth to the quietest quarter of the blocks, 4 x 4 again.
   double coarseness;
   double to_luma;
+  double evenness;
+  // Coarseness less the same of means of 2 x 2 to single samples. Noise, filtered or not, falls the
+  // faster the coarser the means; what lies under it does not.
+  double bend;
 };
 
 // Blocks that have to be usable, of 64 x 64 pixels each. Clipped and flat ones are not.

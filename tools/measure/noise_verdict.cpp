@@ -6,12 +6,15 @@
 namespace tool {
 namespace {
 
-// What no picture showed whose noise was worth removing: more energy than about thirty times the
-// quiet noise's, strength that goes with the texture, and noise finer than white (which has about
-// -0.8).
+// What hardly a picture showed whose noise was worth removing: more energy than about thirty times
+// the quiet noise's, strength that goes with the texture, noise finer than white (which has about
+// -0.8), noise that falls off ever slower with scale though it should ever faster, and what repeats
+// itself as woven cloth does.
 constexpr double kMostEnergy = 30;
 constexpr double kMostAlongChroma = 0.9;
 constexpr double kLeastCoarseness = -1.1;
+constexpr double kMostBend = 0.6;
+constexpr double kMostRepeated = 0.15;
 constexpr double kLeastDoubtBeyond = 1;
 
 // No photograph's texture passes for noise as strong as that.
@@ -25,7 +28,8 @@ constexpr double kAlongLumaFloor = 0.02;
 bool is_beyond_noise(const ChromaNoise& noise, const Removal& removal) {
   const double quiet = noise.quiet + kQuietFloor;
   return removal.energy > kMostEnergy * quiet * quiet || removal.along_chroma > kMostAlongChroma ||
-         noise.coarseness < kLeastCoarseness;
+         noise.coarseness < kLeastCoarseness || noise.bend > kMostBend ||
+         removal.pattern.repeated > kMostRepeated;
 }
 
 }  // namespace
@@ -33,10 +37,11 @@ bool is_beyond_noise(const ChromaNoise& noise, const Removal& removal) {
 // Weights of a logistic regression: scripts/noise_index_table.py --fit prints them.
 double doubt(const ChromaNoise& noise, const Removal& removal) {
   const double credit = noise.estimate > kStrongEstimate ? kCreditOfStrong : 0;
-  const double sum = 4.90 - credit - 1.96 * std::log(noise.purity + kPurityFloor) -
-                     2.85 * noise.own_share + 2.23 * noise.coarseness - 0.42 * noise.to_luma +
-                     2.87 * std::log(removal.along_luma + kAlongLumaFloor) +
-                     2.89 * removal.along_chroma + 3.83 * removal.untouched;
+  const double sum =
+      -1.60 - credit - 2.34 * std::log(noise.purity + kPurityFloor) - 1.28 * noise.own_share +
+      1.72 * noise.coarseness - 0.80 * noise.to_luma + 0.46 * noise.bend - 1.05 * noise.evenness +
+      3.55 * std::log(removal.along_luma + kAlongLumaFloor) + 3.70 * removal.along_chroma +
+      5.88 * removal.untouched + 17.3 * removal.pattern.directed;
   return is_beyond_noise(noise, removal) ? std::max(sum, kLeastDoubtBeyond) : sum;
 }
 

@@ -115,9 +115,9 @@ Removal measure_removal(const FrameView& noisy, const FrameView& denoised) {
       ++blocks;
     }
   }
-  if (squares == 0) return {0, 1, 0, 0};
+  if (squares == 0) return {0, 1, 0, 0, {}};
   return {squares / (2 * kSamples * blocks), untouched / (kSamples * blocks), along_luma / squares,
-          with_texture.value(blocks)};
+          with_texture.value(blocks), measure_removal_pattern(noisy, denoised)};
 }
 
 }  // namespace tool

@@ -3,6 +3,7 @@
 #define VOREL_TOOLS_MEASURE_REMOVAL_H_
 
 #include "tools/measure/chroma_noise.h"
+#include "tools/measure/removal_pattern.h"
 
 namespace tool {
 
@@ -11,6 +12,7 @@ struct Removal {
   double untouched;     // share of the chroma pairs that did not change, 0..1
   double along_luma;    // share of the energy that luma explains, block by block, 0..1
   double along_chroma;  // correlation of its strength with the texture that stayed, -1..1
+  RemovalPattern pattern;
 };
 
 // Both frames of one size and chroma order. Looks at whole blocks of 16 x 16 pixels; of a frame

@@ -78,20 +78,26 @@ void print_trial(const ChromaNoise& noise, const IndexTrial& trial) {
       "removed", removal.energy, 100 * removal.along_luma, 100 * removal.untouched);
   std::printf("    %-12s%8.2f  of its strength with the texture that stays\n", "correlation",
               removal.along_chroma);
+  std::printf("    %-12s%8.2f  forms lines; %.2f repeats itself\n", "pattern",
+              removal.pattern.directed, removal.pattern.repeated);
   std::printf("    %-12s%8.2f  quiet noise of the middle block's; %.0f %% each plane's own\n",
               "purity", noise.purity, 100 * noise.own_share);
-  std::printf("    %-12s%8.2f  8 x 8 to 4 x 4; %.2f chroma to luma (logarithms)\n", "noise ratio",
-              noise.coarseness, noise.to_luma);
+  std::printf("    %-12s%8.2f  8 x 8 to 4 x 4; bend %.2f; %.2f chroma to luma (logarithms)\n",
+              "noise ratio", noise.coarseness, noise.bend, noise.to_luma);
+  std::printf("    %-12s%8.2f  quietest tenth to quietest quarter (logarithm)\n", "evenness",
+              noise.evenness);
 }
 
 json_t* trial_json(const ChromaNoise& noise, const std::optional<IndexTrial>& trial) {
   if (!trial) return json_null();
   const Removal& removal = trial->removal;
-  return json_pack("{s:i,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f}", "noise_index",
+  return json_pack("{s:i,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f,s:f}", "noise_index",
                    trial->noise_index, "doubt", trial->doubt, "removed", removal.energy,
                    "untouched", removal.untouched, "along_luma", removal.along_luma, "along_chroma",
-                   removal.along_chroma, "quiet", noise.quiet, "purity", noise.purity, "own_share",
-                   noise.own_share, "coarseness", noise.coarseness, "to_luma", noise.to_luma);
+                   removal.along_chroma, "directed", removal.pattern.directed, "repeated",
+                   removal.pattern.repeated, "quiet", noise.quiet, "purity", noise.purity,
+                   "own_share", noise.own_share, "coarseness", noise.coarseness, "to_luma",
+                   noise.to_luma, "evenness", noise.evenness, "bend", noise.bend);
 }
 
 void print_patch(const char* plane, const PatchNoise& noise) {

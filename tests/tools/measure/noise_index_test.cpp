@@ -179,8 +179,8 @@ TEST(NoiseIndex, SampleTuningHoldsTheCalibrationOfTheProgram) {
   }
 }
 
-constexpr tool::Removal kNoiseWent{1, 0.1, 0.05, 0.1};
-constexpr tool::Removal kTextureWent{1, 0.1, 0.9, 0.95};
+constexpr tool::Removal kNoiseWent{1, 0.1, 0.05, 0.1, {0.24, 0.01}};
+constexpr tool::Removal kTextureWent{1, 0.1, 0.9, 0.95, {0.5, 0.05}};
 
 TEST(NoiseIndex, FollowsAVideoSmoothly) {
   const auto trial = [](int) { return kNoiseWent; };
@@ -236,11 +236,16 @@ TEST(NoiseIndex, TexturedPictureIsLeftAndANoisyOneDenoised) {
   const auto plane = [&](double along, double own, uint64_t seed) -> Painter {
     return [=](int x, int y) { return 128 + along * cloth(x, y) + own * grain(seed, x, y); };
   };
+  // Noise everywhere, on coarser blotches of each plane's own.
+  const auto blotched = [&](uint64_t seed) {
+    return noisy(seed, 2, [=](int x, int y) { return 128 + 3 * grain(seed + 50, x / 8, y / 8); });
+  };
   const struct {
     const char* what;
     Nv21Frame frame;
     bool is_noise;
   } kCases[] = {
+      {"noise on blotches", paint(grey, blotched(2), blotched(3)), false},
       {"texture", paint(luma, plane(1.5, 0.5, 8), plane(-1, 0.5, 9)), false},
       {"texture and a little noise", paint(luma, plane(1.5, 1, 8), plane(-1, 1, 9)), false},
       {"flat and noisy", paint(grey, noisy(2, 6), noisy(3, 6)), true},
@@ -255,6 +260,60 @@ TEST(NoiseIndex, TexturedPictureIsLeftAndANoisyOneDenoised) {
       const double found = tool::doubt(*measured, removal);
       EXPECT_EQ(found < 0, test.is_noise) << test.what << ", " << index << ": " << found;
     }
+  }
+}
+
+TEST(NoiseVerdict, RefusesWhatNoNoiseIs) {
+  const tool::Removal removal{5, 0.1, 0.05, 0.1, {0.24, 0.01}};
+  const ChromaNoise noise{{}, {}, 0.3, 1, 0.8, 0.95, -0.7, 0, -0.1, -0.3};
+  EXPECT_LT(tool::doubt(noise, removal), 0);
+  const struct {
+    const char* what;
+    std::function<void(ChromaNoise&, tool::Removal&)> change;
+  } kCases[] = {
+      {"too much goes", [](auto&, auto& r) { r.energy = 40; }},
+      {"luma's texture", [](auto&, auto& r) { r.along_luma = 0.9; }},
+      {"where texture stays", [](auto&, auto& r) { r.along_chroma = 0.95; }},
+      {"lines", [](auto&, auto& r) { r.pattern.directed = 0.8; }},
+      {"a woven pattern", [](auto&, auto& r) { r.pattern.repeated = 0.2; }},
+      {"finer than white", [](auto& n, auto&) { n.coarseness = -1.2; }},
+      {"coarse blotches", [](auto& n, auto&) { n.bend = 0.7; }},
+  };
+  for (const auto& test : kCases) {
+    ChromaNoise changed_noise = noise;
+    tool::Removal changed_removal = removal;
+    test.change(changed_noise, changed_removal);
+    EXPECT_GE(tool::doubt(changed_noise, changed_removal), 0) << test.what;
+  }
+}
+
+TEST(RemovalPattern, TellsLinesAndRepetitionFromNoise) {
+  const Painter flat = [](int, int) { return 128.0; };
+  const Nv21Frame denoised = paint(grey, flat, flat);
+  const Painter shifted = [](int, int) { return 130.0; };
+  const Painter stripes = [](int x, int y) { return 128 + 2 * std::abs((x + y) % 24 - 12); };
+  const Painter line = [](int x, int) { return x == 40 ? 160.0 : 128.0; };
+  const Painter board = [](int x, int y) { return (x / 4 + y / 4) % 2 == 0 ? 120.0 : 136.0; };
+  const struct {
+    const char* what;
+    Painter painter[2];
+    double directed;
+    double repeated;
+    double tolerance;
+  } kCases[] = {
+      {"nothing", {flat, flat}, 0, 0, 0},
+      {"a shift of colour", {shifted, shifted}, 0, 0, 0},
+      {"white noise", {noisy(2, 6), noisy(3, 6)}, 0.24, 0.01, 0.02},
+      {"slanted stripes", {stripes, stripes}, 1, 0.7, 0.05},
+      // In one of 15 columns of blocks; alike only straight below, at 11 of 358 places.
+      {"a line", {line, flat}, 1.0 / 15, std::sqrt(11.0 / 358), 0.001},
+      {"a board without direction", {board, board}, 0, 0.368, 0.005},
+  };
+  for (const auto& test : kCases) {
+    const tool::RemovalPattern found = tool::measure_removal_pattern(
+        view_of(paint(grey, test.painter[0], test.painter[1])), view_of(denoised));
+    EXPECT_NEAR(found.directed, test.directed, test.tolerance) << test.what;
+    EXPECT_NEAR(found.repeated, test.repeated, test.tolerance) << test.what;
   }
 }
 
