@@ -71,15 +71,6 @@ bool set_addresses(vorel* handle, const frame_request& request) {
 
 }  // namespace
 
-bool below_gate(const vorel* handle, const char* caller, int32_t noise_index) {
-  // The threshold never changes between frames, so it is read without the mutex.
-  const int32_t enable_noise_index = handle->tuning.enableNoiseIndex;
-  if (noise_index >= enable_noise_index) return false;
-  VOREL_LOGI("%s, skip process, noiseIndex(%d) < enableNoiseIndex(%d)", caller, noise_index,
-             enable_noise_index);
-  return true;
-}
-
 int32_t next_slot(const vorel* handle) {
   const int32_t slot = handle->slot;
   return slot + 1 < VOREL_RING_SLOTS ? slot + 1 : 0;

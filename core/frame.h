@@ -24,8 +24,11 @@ enum class frame_end {
   kNoDriver,      // the pool may be running
 };
 
-// Whether the frame's noise index lies below the tuning's threshold (logged).
-[[nodiscard]] bool below_gate(const vorel* handle, const char* caller, int32_t noise_index);
+// Whether the frame's noise index lies below the tuning's threshold, which never changes between
+// frames and so is read without the mutex.
+[[nodiscard]] inline bool below_gate(const vorel* handle, int32_t noise_index) {
+  return noise_index < handle->tuning.enableNoiseIndex;
+}
 
 // Slot that the next frame takes.
 [[nodiscard]] int32_t next_slot(const vorel* handle);

@@ -167,7 +167,11 @@ vorel_status denoise_frame(vorel* handle, const vorel_frame* frame, vorel_frame_
   info->enable_noise_index = handle->tuning.enableNoiseIndex;
   info->spatial = handle->tuning.enable;
   info->wavelet = handle->tuning.mfd_uv_tuning.enable;
-  if (below_gate(handle, kCaller, frame->noise_index)) return VOREL_BELOW_GATE;
+  if (below_gate(handle, frame->noise_index)) {
+    VOREL_LOGI("%s, skip process, noiseIndex(%d) < enableNoiseIndex(%d)", kCaller,
+               frame->noise_index, handle->tuning.enableNoiseIndex);
+    return VOREL_BELOW_GATE;
+  }
   const int32_t slot = next_slot(handle);
   const slot_hold hold = take_slot(handle, slot);
   const vorel_status status = process_frame(handle, slot, *frame, info);

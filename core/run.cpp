@@ -11,9 +11,14 @@ void* vorel_run(vorel* handle, void* in_address_1, void* in_address_2, int width
     VOREL_LOGE("vorel_run, VOREL handler is NULL~!!!!!\n");
     return nullptr;
   }
+  if (below_gate(handle, noiseIndex)) {
+    VOREL_LOGI("vorel_run, skip process, noiseIndex(%d) < enableNoiseIndex(%d)", noiseIndex,
+               handle->tuning.enableNoiseIndex);
+    VOREL_LOGI("vorel_run - X");
+    return handle;
+  }
   const auto format = static_cast<uint32_t>(format_code);
-  if (below_gate(handle, "vorel_run", noiseIndex) ||
-      !frame_fits(in_address_1, in_address_2, width, height, format, handle->luma_bytes)) {
+  if (!frame_fits(in_address_1, in_address_2, width, height, format, handle->luma_bytes)) {
     VOREL_LOGI("vorel_run - X");
     return handle;
   }
