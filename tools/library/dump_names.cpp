@@ -109,6 +109,8 @@ std::optional<DumpFile> parse_dump_name(const std::string& name, uint64_t bytes)
   char plane = 0;
   const DumpKind* kind = kind_of(name, plane);
   if (kind == nullptr) return std::nullopt;
+  // Planes are raw, frames are not.
+  if ((extension == ".raw") == (kind->content == DumpContent::kFrame)) return std::nullopt;
 
   const size_t start = kind->prefix.size();
   int width = 0;

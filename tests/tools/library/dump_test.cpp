@@ -54,7 +54,8 @@ TEST(DumpNames, EveryPlaneOfTheLibraryIsKnown) {
 
 TEST(DumpNames, OtherFilesAreNot) {
   for (const char* name : {"readme.txt", "Y_64.raw", "d_X_4_4.raw", "fW_7_U_4_4.raw", "Y_.raw",
-                           "input_4_4_0_1.png", "Y_0_4.raw", "Z_4_4.raw", "Y_high_4_x.raw"}) {
+                           "input_4_4_0_1.png", "Y_0_4.raw", "Z_4_4.raw", "Y_high_4_x.raw",
+                           "Y_4_4.yuyv", "f_V_1_101.nv21", "input_4_4_0_1.raw"}) {
     EXPECT_FALSE(parse_dump_name(name, 16)) << name;
   }
 }
