@@ -115,7 +115,8 @@ double products_of_means(const Plane& removed) {
   for (const int16_t sample : removed.samples) sum += sample;
   const double mean = sum / static_cast<double>(removed.samples.size());
   const int step = step_of_rows(removed);
-  return mean * mean * ((removed.height - kFar + step - 1) / step) * (removed.width - 2 * kFar);
+  const int rows = (removed.height - kFar + step - 1) / step;
+  return mean * mean * rows * (removed.width - 2 * kFar);
 }
 
 double repeated(const Plane (&removed)[kPlanes]) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 
 #include "tools/files/json_text.h"
 #include "tools/library/dump_samples.h"
@@ -40,7 +41,7 @@ json_t* number(const std::optional<double>& value) {
 json_t* values_json(const char* name_key, const std::string& name, const PixelValues& values) {
   json_t* object = json_object();
   json_object_set_new(object, name_key, json_text(name));
-  for (size_t i = 0; i < values.size(); ++i) {
+  for (size_t i = 0; i < std::size(kComponentKeys); ++i) {
     json_object_set_new(object, kComponentKeys[i], number(values[i]));
   }
   return object;

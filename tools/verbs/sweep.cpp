@@ -158,7 +158,7 @@ class Sweep {
   }
 
   [[nodiscard]] RgbImage page_image(const RgbImage& image) const {
-    return options_.crop ? side_by_side({&image}, *options_.crop, 1) : image;
+    return options_.crop ? side_by_side({&image}, options_.crop, 1) : image;
   }
 
   [[nodiscard]] Page page() const {
