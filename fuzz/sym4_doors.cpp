@@ -12,14 +12,6 @@ PlainPlane any_plane(FuzzedDataProvider& input, int width, int height) {
   return plane;
 }
 
-buffer record_of(PlainPlane& plane) {
-  buffer record{};
-  record.data = plane.samples.data();
-  record.width = static_cast<uint32_t>(plane.width);
-  record.height = static_cast<uint32_t>(plane.height);
-  return record;
-}
-
 std::array<buffer, kPlainSubbands> records_of(PlainSubbands& bands) {
   std::array<buffer, kPlainSubbands> records;
   for (size_t i = 0; i < records.size(); ++i) records[i] = record_of(bands.planes[i]);

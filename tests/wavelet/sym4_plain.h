@@ -3,10 +3,12 @@
 #define VOREL_TESTS_WAVELET_SYM4_PLAIN_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <vector>
 
 #include "tests/wavelet/plain_half.h"
+#include "vorel/wavelet/buffer.h"
 
 inline constexpr double kPlainTaps[8] = {0.0322265625,      0.012603759765625, 0.0992431640625,
                                          0.2978515625,      0.8037109375,      0.49755859375,
@@ -63,6 +65,15 @@ struct PlainPlane {
   _Float16& at(int x, int y) { return samples[static_cast<size_t>(y) * width + x]; }
   _Float16 at(int x, int y) const { return samples[static_cast<size_t>(y) * width + x]; }
 };
+
+// The same as a transform takes it.
+inline buffer record_of(PlainPlane& plane) {
+  buffer record{};
+  record.data = plane.samples.data();
+  record.width = static_cast<uint32_t>(plane.width);
+  record.height = static_cast<uint32_t>(plane.height);
+  return record;
+}
 
 // Calls body(line, k) for every output k of every line that a pass along rows or columns writes.
 template <typename Body>

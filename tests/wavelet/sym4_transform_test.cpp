@@ -22,14 +22,6 @@ PlainPlane random_plane(int width, int height, uint32_t seed) {
   return plane;
 }
 
-buffer record_of(PlainPlane& plane) {
-  buffer record{};
-  record.data = plane.samples.data();
-  record.width = static_cast<uint32_t>(plane.width);
-  record.height = static_cast<uint32_t>(plane.height);
-  return record;
-}
-
 // The same with the records that a transform takes.
 struct Subbands : PlainSubbands {
   Subbands(int width, int height, _Float16 fill) : PlainSubbands(width, height, fill) {
