@@ -55,8 +55,6 @@ constexpr _Float16 kFromFirstTerm = static_cast<_Float16>(-0.0f);
 constexpr _Float16 kHalf = static_cast<_Float16>(0.5f);
 constexpr _Float16 kEighth = static_cast<_Float16>(0.125f);
 
-constexpr int kMostTaps = 4;
-
 }  // namespace
 
 const analysis_filter kHaarLevel1 = {kLevel1, true};
@@ -83,19 +81,14 @@ void split_at(const analysis_filter& filter, const _Float16* taps, const sample_
     return split_directional_row(near, line.at(first + 1), line.at(first + 2), line.at(last),
                                  out.lo, out.hi, count);
   }
-  tapped_row<Sample> low[kMostTaps];
-  tapped_row<Sample> high[kMostTaps];
+  split_tap<Sample> rows[kMaxSplitTaps];
   int used = 0;
   for (const analysis_tap& tap : filter.taps) {
     const int index = position + tap.offset;
     if (index < 0 || index >= line.length) continue;
-    const Sample* samples = line.at(index);
-    low[used] = {samples, taps[tap.low]};
-    high[used] = {samples, taps[tap.high]};
-    ++used;
+    rows[used++] = {line.at(index), taps[tap.low], taps[tap.high]};
   }
-  sum_tapped_rows(low, used, 0, 1, out.lo, count);
-  sum_tapped_rows(high, used, 0, 1, out.hi, count);
+  split_tapped_rows(rows, used, out.lo, out.hi, count);
 }
 
 template <typename Sample>
@@ -111,7 +104,7 @@ void split_row(const analysis_filter& filter, const _Float16* taps, const Sample
 
 void join_at(const synthesis_filter& filter, const _Float16* taps, const band_lines& lines,
              int position, _Float16* out, int count) {
-  tapped_row<_Float16> rows[kMaxTappedRows];
+  tapped_row rows[kMaxTappedRows];
   int used = 0;
   for (const synthesis_tap& term : filter.terms) {
     const sample_line<_Float16>& line = term.high ? lines.hi : lines.lo;

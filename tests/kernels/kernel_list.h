@@ -68,7 +68,7 @@ inline constexpr Kernel kKernels[] = {
     {.name = "haar_directional_row", FORMS(haar_directional), .strip_step = 1, .largest_width = 1001, .frame_shift = 2,
      .arm_loops = "Haar, directional rows | bordered / 4 | "
                   "wavelet/kernels/haar_rows.cpp : split_directional_row<_Float16> :  : 2 || "
-                  "Haar, columns | 15 * bordered / 16 | wavelet/kernels/haar_rows.cpp : sum_tapped_rows<_Float16> :  : 2"},
+                  "Haar, columns | 15 * bordered / 16 | wavelet/kernels/haar_rows.cpp : sum_tapped_rows :  : 2"},
     {.name = "saturate_row", FORMS(saturate), .variants = 9, .strip_step = 1, .largest_width = 1001, .frame_shift = 1,
      .arm_loops = "saturation | luma / 4 | wavelet/kernels/saturation_rows.cpp : saturate_row( : fdiv : 2"},
     {.name = "pad_pairs_row", FORMS(pad_pairs), .strip_step = 1, .largest_width = 1001, .frame_shift = 1},

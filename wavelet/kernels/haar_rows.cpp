@@ -10,10 +10,14 @@ namespace {
 constexpr half_lane kLevel1Tap = static_cast<half_lane>(kHaarLevel1Tap);
 constexpr half_lane kDirectionalTap = static_cast<half_lane>(kHaarDirectionalTap);
 
-template <int kRows, typename Sample>
-void sum_rows(const tapped_row<Sample>* rows, _Float16 start, _Float16 scale,
-              _Float16* __restrict out, int width) {
-  const Sample* samples[kRows];
+half_lane add_product(half_lane sum, half_lane sample, half_lane tap) {
+  return round_half(sum + round_half(sample * tap));
+}
+
+template <int kRows>
+void sum_rows(const tapped_row* rows, _Float16 start, _Float16 scale, _Float16* __restrict out,
+              int width) {
+  const _Float16* samples[kRows];
   half_lane taps[kRows];
   for (int i = 0; i < kRows; ++i) {
     samples[i] = rows[i].samples;
@@ -26,17 +30,41 @@ void sum_rows(const tapped_row<Sample>* rows, _Float16 start, _Float16 scale,
     half_lane sum = first;
     VOREL_UNROLL
     for (int i = 0; i < kRows; ++i) {
-      const half_lane product = round_half(static_cast<half_lane>(samples[i][x]) * taps[i]);
-      sum = round_half(sum + product);
+      sum = add_product(sum, static_cast<half_lane>(samples[i][x]), taps[i]);
     }
     out[x] = static_cast<_Float16>(sum * factor);
   }
 }
 
+template <int kRows, typename Sample>
+void split_rows(const split_tap<Sample>* rows, _Float16* __restrict lo, _Float16* __restrict hi,
+                int width) {
+  const Sample* samples[kRows];
+  half_lane low[kRows];
+  half_lane high[kRows];
+  for (int i = 0; i < kRows; ++i) {
+    samples[i] = rows[i].samples;
+    low[i] = static_cast<half_lane>(rows[i].low);
+    high[i] = static_cast<half_lane>(rows[i].high);
+  }
+  VOREL_VECTORIZE_HALF
+  for (int x = 0; x < width; ++x) {
+    half_lane low_sum = 0;
+    half_lane high_sum = 0;
+    VOREL_UNROLL
+    for (int i = 0; i < kRows; ++i) {
+      const half_lane sample = static_cast<half_lane>(samples[i][x]);
+      low_sum = add_product(low_sum, sample, low[i]);
+      high_sum = add_product(high_sum, sample, high[i]);
+    }
+    lo[x] = static_cast<_Float16>(low_sum);
+    hi[x] = static_cast<_Float16>(high_sum);
+  }
+}
+
 }  // namespace
 
-template <typename Sample>
-void sum_tapped_rows(const tapped_row<Sample>* rows, int row_count, _Float16 start, _Float16 scale,
+void sum_tapped_rows(const tapped_row* rows, int row_count, _Float16 start, _Float16 scale,
                      _Float16* out, int width) {
   switch (row_count) {
     case 1:
@@ -55,6 +83,21 @@ void sum_tapped_rows(const tapped_row<Sample>* rows, int row_count, _Float16 sta
       return sum_rows<7>(rows, start, scale, out, width);
     case 8:
       return sum_rows<8>(rows, start, scale, out, width);
+  }
+}
+
+template <typename Sample>
+void split_tapped_rows(const split_tap<Sample>* rows, int row_count, _Float16* lo, _Float16* hi,
+                       int width) {
+  switch (row_count) {
+    case 1:
+      return split_rows<1>(rows, lo, hi, width);
+    case 2:
+      return split_rows<2>(rows, lo, hi, width);
+    case 3:
+      return split_rows<3>(rows, lo, hi, width);
+    case 4:
+      return split_rows<4>(rows, lo, hi, width);
   }
 }
 
@@ -97,8 +140,7 @@ void add_rows(const _Float16* a, const _Float16* b, _Float16* __restrict out, in
 }
 
 #define VOREL_INSTANTIATE(Sample)                                                                 \
-  template void sum_tapped_rows(const tapped_row<Sample>*, int, _Float16, _Float16, _Float16*,    \
-                                int);                                                             \
+  template void split_tapped_rows(const split_tap<Sample>*, int, _Float16*, _Float16*, int);      \
   template void split_level1_row(const Sample*, const Sample*, _Float16*, _Float16*, int);        \
   template void split_directional_row(const Sample*, const Sample*, const Sample*, const Sample*, \
                                       _Float16*, _Float16*, int);

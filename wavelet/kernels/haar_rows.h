@@ -8,9 +8,8 @@ inline constexpr _Float16 kHaarDirectionalTap = static_cast<_Float16>(0.5f);
 
 // A row of samples and the tap that weighs it. A row shifted by some columns serves a filter along
 // the row, the rows of several heights serve one along the columns.
-template <typename Sample>
 struct tapped_row {
-  const Sample* samples;
+  const _Float16* samples;
   _Float16 tap;
 };
 
@@ -18,13 +17,28 @@ inline constexpr int kMaxTappedRows = 8;
 
 // out[x] = ((start + tap0 * row0[x]) + tap1 * row1[x] + ...) * scale, every operation rounded.
 // `rows` has 1 to kMaxTappedRows entries. A start of -0 changes no sum, not even one that is -0;
-// a start of +0 turns -0 into +0. `out` overlaps no row. Samples are bytes or half-precision.
-template <typename Sample>
-void sum_tapped_rows(const tapped_row<Sample>* rows, int row_count, _Float16 start, _Float16 scale,
+// a start of +0 turns -0 into +0. `out` overlaps no row.
+void sum_tapped_rows(const tapped_row* rows, int row_count, _Float16 start, _Float16 scale,
                      _Float16* out, int width);
 
+// A row of samples, bytes or half-precision, and its taps of the low and of the high filter.
+template <typename Sample>
+struct split_tap {
+  const Sample* samples;
+  _Float16 low;
+  _Float16 high;
+};
+
+inline constexpr int kMaxSplitTaps = 4;
+
+// The sums from +0 with the low and with the high taps. `rows` has 1 to kMaxSplitTaps entries.
+// Outputs overlap no input and not each other; the same below.
+template <typename Sample>
+void split_tapped_rows(const split_tap<Sample>* rows, int row_count, _Float16* lo, _Float16* hi,
+                       int width);
+
 // Level-1 pair of the samples `near` and `far`: the sums from +0 with the taps (t, t) and (-t, t),
-// t = 0.70703125. Outputs overlap no input and not each other; the same below.
+// t = 0.70703125.
 template <typename Sample>
 void split_level1_row(const Sample* near, const Sample* far, _Float16* lo, _Float16* hi, int width);
 
