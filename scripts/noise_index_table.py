@@ -3,18 +3,18 @@
 
 Makes each clean picture noisy at several gains with `vorel noise`, alters it as cameras do, denoises
 it at many noise indices, and holds what `vorel measure` suggests against the best of them. Every
-picture serves twice: scaled to 960 pixels, and as a part of its full size. Drawn charts are added.
+picture serves thrice: scaled to 960 pixels, as a part of its full size, and in parts that a drawn
+camera takes (camera_pictures.py). Drawn charts are added.
 Prints Markdown tables of the chroma PSNR (mean of U and V, dB) with nothing done, with the estimated
 index and with the best single one. With --fit it also prints the chromaNoise_values that suit the
-tuning best, the weights of tools/measure/noise_verdict.cpp, and how good both are on pictures that
-were held out. Needs python3-numpy and python3-pil
+tuning best, the weights of tools/measure/noise_verdict.cpp, how far doubt lowers the index, and how
+good the first two are on pictures that were held out. Needs python3-numpy and python3-pil
 (scripts/setup.sh measure).
 
     scripts/noise_index_table.py BUILD_DIR PICTURE... [--tuning FILE] [--gains 1 4 16 64] [--fit]
 """
 import argparse
 import ctypes
-import io
 import json
 import multiprocessing
 import os
@@ -22,26 +22,30 @@ import pathlib
 import shutil
 import subprocess
 import tempfile
+import zlib
 
 import numpy as np
 from PIL import Image, ImageDraw
+
+import camera_pictures
+from camera_pictures import as_jpeg
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 INDICES = [round(100 * 2 ** (i / 2)) for i in range(15)]
 NV21 = 0x3132564E
 LEAST_ERROR = 0.05  # of squared steps: pictures that did not change have a PSNR too
 FOLDS = 6
+CAMERAS = 5  # that take each part of a picture
 # Of doubt(), the constant last.
-WEIGHTS = [-2.34, -1.28, 1.72, -.80, .46, -1.05, 3.55, 3.70, 5.88, 17.3, -1.60]
-CAUTION = 1.45  # the odds of harm at which a picture is left alone, a logarithm
+WEIGHTS = [-2.34, -1.28, 1.72, -.80, .46, -1.05, 3.55, 3.70, 5.88, 17.3, -1.70]
+CREDIT, STRONG = .7, .6  # estimates as strong are doubted less
+LEVELS = [.11, .23, .32, .46, .65, .97, 1.68, 2.64]  # estimates that belong to 100, 200, ..., 12800
+LOWERING = -3, 1  # from this doubt on the index is lowered, by so many octaves for each 1
+CAUTION = 1.35  # the odds of harm at which a picture is left alone, a logarithm
 CLEAN_WEIGHT = 4  # there are four gains to each clean picture
 
 # Their smooth backgrounds hold grain or JPEG blocks: what is taken out of their clean form is noise.
 GRAINY = ["LadyBird", "Kleiber_by_Lukas_Baubkus", "Aqua", "seeding_by_Clements_Engelhardt"]
-
-# The quantisation of chroma in JPEG files of quality 50.
-JPEG_CHROMA = [17, 18, 24, 47, 99, 99, 99, 99, 18, 21, 26, 66, 99, 99, 99, 99, 24, 26, 56] + [99] * 5 \
-    + [47, 66] + [99] * 38
 
 
 # --- Pictures ---
@@ -54,6 +58,7 @@ def even(image, width, height):
 
 
 def clean_pictures(paths):
+    """Of each the two whole forms, and its path for the camera."""
     pictures = {}
     for path in paths:
         image, name = Image.open(path).convert("RGB"), pathlib.Path(path).stem
@@ -62,6 +67,7 @@ def clean_pictures(paths):
         pictures[name, "scaled"] = even(small, 960, 768)
         if image.width > 2000:
             pictures[name, "full size"] = even(image, 768, 768)
+        pictures[name, "camera"] = path
     return pictures
 
 
@@ -98,14 +104,6 @@ def to_yuv(image):
 
 
 # --- What cameras do ---
-
-def as_jpeg(plane, quality):
-    scale = 5000 // quality if quality < 50 else 200 - 2 * quality
-    table = [min(255, max(1, (value * scale + 50) // 100)) for value in JPEG_CHROMA]
-    file = io.BytesIO()
-    Image.fromarray(plane).save(file, "JPEG", qtables=[table])
-    return np.asarray(Image.open(file).convert("L"))
-
 
 def blurred(plane, sigma):
     reach = int(np.ceil(3 * sigma))
@@ -166,18 +164,47 @@ class Library:
         return result
 
 
+class Measurement:
+    """Of one picture in its forms; each adds a row."""
+
+    def __init__(self, name, form, build, tuning, directory):
+        self.name, self.form, self.tuning, self.directory = name, form, tuning, directory
+        self.vorel, self.library, self.rows = build / "tools/vorel", Library(build, tuning, directory), []
+
+    def add(self, kind, gain, planes, truth):
+        height, width = planes[0].shape
+        raw = self.directory / f"f_{width}x{height}.nv21"
+        np.concatenate([planes[0].ravel(), np.stack(planes[:0:-1], -1).ravel()]).tofile(raw)
+        found = json.loads(subprocess.run([self.vorel, "measure", raw, "--json", "--tuning", self.tuning],
+                                          check=True, capture_output=True).stdout)["pictures"][0]
+        errors = self.library.errors(planes, [plane.astype(float) for plane in truth])
+        self.rows.append({"name": self.name, "form": self.form, "kind": kind, "gain": gain,
+                          "estimate": found["estimate"], "index": found["noise_index"] or 0,
+                          "trial": found["trial"], "errors": errors})
+
+    def add_camera(self, path):
+        image, rng = Image.open(path).convert("RGB"), np.random.default_rng(zlib.crc32(self.name.encode()))
+        for part in camera_pictures.parts(image):
+            for _ in range(CAMERAS):
+                camera = camera_pictures.Camera.drawn(rng)
+                self.add(f"camera, {camera.filter}", camera.iso / 100,
+                         *camera_pictures.taken(part, camera, rng))
+
+
 def measure_picture(job):
     (name, form), image, build, tuning, gains = job
     os.dup2(os.open(os.devnull, os.O_WRONLY), 2)  # the library's log
-    vorel, rows = build / "tools/vorel", []
     with tempfile.TemporaryDirectory() as temporary:
         directory = pathlib.Path(temporary)
-        library = Library(build, tuning, directory)
+        measurement = Measurement(name, form, build, tuning, directory)
+        if form == "camera":
+            measurement.add_camera(image)
+            return measurement.rows
         image.save(directory / "clean.png")
         for gain in [0] + gains:
             noisy = image
             if gain:
-                subprocess.run([vorel, "noise", directory / "clean.png", "-o", directory / "noisy.png",
+                subprocess.run([measurement.vorel, "noise", directory / "clean.png", "-o", directory / "noisy.png",
                                 "--gain", str(gain), "--force"], check=True, stdout=subprocess.DEVNULL)
                 noisy = Image.open(directory / "noisy.png").convert("RGB")
             forms = [(kind, a(to_yuv(noisy)), b(to_yuv(image))) for kind, (a, b) in KINDS.items()
@@ -186,17 +213,8 @@ def measure_picture(job):
             if gain and min(half) >= 192:
                 forms.append(("half size",) + tuple(to_yuv(i.resize(half, Image.BOX)) for i in (noisy, image)))
             for kind, planes, truth in forms:
-                height, width = planes[0].shape
-                raw = directory / f"f_{width}x{height}.nv21"
-                np.concatenate([planes[0].ravel(), np.stack(planes[:0:-1], -1).ravel()]).tofile(raw)
-                found = json.loads(subprocess.run(
-                    [vorel, "measure", raw, "--json", "--tuning", tuning], check=True,
-                    capture_output=True).stdout)["pictures"][0]
-                errors = library.errors(planes, [plane.astype(float) for plane in truth])
-                rows.append({"name": name, "form": form, "kind": kind, "gain": gain,
-                             "estimate": found["estimate"], "index": found["noise_index"] or 0,
-                             "trial": found["trial"], "errors": errors})
-    return rows
+                measurement.add(kind, gain, planes, truth)
+    return measurement.rows
 
 
 # --- Figures ---
@@ -219,9 +237,10 @@ class Results:
         self.clean = np.array([row["gain"] == 0 for row in rows])
         self.drawn = np.array([row["form"] == "drawn" for row in rows])
         self.estimate = np.array([row["estimate"] or 1e-3 for row in rows])
-        trials = [row["trial"] for row in rows]
-        self.tried = np.array([trial is not None for trial in trials])
-        self.refused = np.array([trial is not None and trial["doubt"] >= 0 for trial in trials])
+        self.camera = np.array([row["form"] == "camera" for row in rows])
+        self.lowering = LOWERING
+        self.tried = np.array([row["trial"] is not None for row in rows])
+        self.doubt = np.array([row["trial"]["doubt"] if row["trial"] else 0 for row in rows])
 
     def at(self, octaves):
         """With the index 100 * 2 ^ octaves; below 0 nothing is done."""
@@ -246,11 +265,15 @@ class Results:
         print("| noise, gain | pictures | nothing | auto | best | short of best: mean | worst | "
               "below nothing by 0.1 | worst |\n|---" + 8 * "|---:" + "|")
         for kind in kinds:
-            for gain in sorted({row["gain"] for row in self.rows} - {0}):
+            for gain in sorted({row["gain"] for row in self.rows if row["form"] != "camera"} - {0}):
                 which = np.array([row["kind"] == kind and row["gain"] == gain for row in self.rows])
                 if (which & ~self.drawn).any():
                     self.line(f"{kind}, {gain}", which & ~self.drawn, auto)
-        for form in ("scaled", "full size", "drawn"):
+        for kind in (f"camera, {name}" for name in camera_pictures.FILTERS):
+            which = np.array([row["kind"] == kind for row in self.rows])
+            if which.any():
+                self.line(kind, which, auto)
+        for form in ("scaled", "full size", "camera", "drawn"):
             which = np.array([row["form"] == form for row in self.rows]) & ~self.clean
             if which.any():
                 self.line(f"**all, {form}**", which, auto)
@@ -262,7 +285,7 @@ class Results:
         for i in np.argsort(-worth)[:12]:
             row = self.rows[i]
             best = ([0] + INDICES)[self.psnr[i].argmax()]
-            print(f"| {row['name']}, {row['form']}, {row['kind']} | {row['gain']} | {row['index']} | {best} | "
+            print(f"| {row['name']}, {row['form']}, {row['kind']} | {row['gain']:.0f} | {row['index']} | {best} | "
                   f"{self.psnr[i, 0]:.1f} | {auto[i]:.1f} | {self.best[i]:.1f} |")
 
     # What the values below should make small: the mean distance from the best index, harm four times
@@ -276,12 +299,14 @@ class Results:
 
     def octaves(self, values):
         """`values` are the logarithms of the estimates at index 100, 200, ..., 12800."""
+        lowered_from, lowering = self.lowering
         noise = np.log2(np.maximum(self.estimate, 1e-3))
         index = np.interp(noise, values, np.arange(len(values)))  # at least the first level's
-        return np.where(self.tried & ~self.refused, index, -1)
+        lowered = index - lowering * np.maximum(self.doubt - lowered_from, 0)
+        return np.where(self.tried & (self.doubt < 0), np.maximum(lowered, 0), -1)
 
     def fit(self, which):
-        values, step = np.log2([.11, .23, .32, .46, .65, .97, 1.68, 2.64]), .3
+        values, step = np.log2(LEVELS), .3
         price = lambda v: self.price(self.octaves(v))[which].mean() + .02 * np.square(np.diff(v, 2)).sum()
         least = price(values)
         for _ in range(9):
@@ -297,7 +322,7 @@ class Results:
     # Weights by which the trial tells harm, by logistic regression; the last is the constant.
     def fit_doubt(self, which):
         grainy = self.clean & np.isin([row["name"] for row in self.rows], GRAINY)
-        which = which & self.tried & ~self.drawn & ~grainy
+        which = which & self.tried & ~self.drawn & ~self.camera & ~grainy
         place = np.log2([t["noise_index"] / 100 if t else 1 for t in (r["trial"] for r in self.rows)])
         harm = self.psnr[:, 0] - self.at(np.maximum(place, 0))
         x, y = features(self.rows)[which], harm[which] > .03
@@ -312,21 +337,33 @@ class Results:
         w[-1] += CAUTION
         return w / scale
 
+    def fit_lowering(self):
+        """From which doubt on the index should be lowered, and by how many octaves for each 1."""
+        def price(lowering):
+            self.lowering = lowering
+            return self.price(self.octaves(np.log2(LEVELS))).mean()
+        choices = [(start, slope) for start in np.arange(-6, -1.9, .2) for slope in (.25, .5, .75, 1)]
+        best = min(choices, key=price)
+        self.lowering = LOWERING
+        return best
+
     def print_fit(self):
         names = sorted({row["name"] for row in self.rows})
         fold = np.array([names.index(row["name"]) % FOLDS for row in self.rows])
-        octaves, x, before = np.zeros(len(self.rows)), features(self.rows), self.refused
-        beyond = before & (x @ WEIGHTS < 0)  # by a bound, not by the weights
+        octaves, x, before = np.zeros(len(self.rows)), features(self.rows), self.doubt
+        credit = CREDIT * (self.estimate > STRONG)
+        beyond = (before >= 0) & (x @ WEIGHTS - credit < 0)  # by a bound, not by the weights
         for i in range(FOLDS):
-            self.refused = beyond | (x @ self.fit_doubt(fold != i) >= 0)
+            self.doubt = np.where(beyond, 1, x @ self.fit_doubt(fold != i) - credit)
             octaves[fold == i] = self.octaves(self.fit(fold != i))[fold == i]
-        self.refused = before
+        self.doubt = before
         which = ~self.clean & ~self.drawn
         gap, harm = (self.best - self.at(octaves))[which], (self.psnr[:, 0] - self.at(octaves))[which]
         print(f"\nheld out: {gap.mean():.2f} dB short of the best index, {(harm > .1).sum()} of "
               f"{which.sum()} more than 0.1 dB below nothing (worst {harm.max():.1f})")
         print('"chromaNoise_values":', [round(float(v), 2) for v in 2 ** self.fit(fold >= 0)])
         print("weights of doubt:", self.fit_doubt(fold >= 0).round(2))
+        print("the index is lowered from doubt %.1f on, by %.2f octaves for each 1" % self.fit_lowering())
 
 
 def main():

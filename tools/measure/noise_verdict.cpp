@@ -6,31 +6,18 @@
 namespace tool {
 namespace {
 
-// What hardly a picture showed whose noise was worth removing: more energy than about thirty times
-// the quiet noise's, strength that goes with the texture, noise finer than white (which has about
-// -0.8), noise that falls off ever slower with scale though it should ever faster, and what repeats
-// itself as woven cloth does.
-constexpr double kMostEnergy = 30;
-constexpr double kMostAlongChroma = 0.9;
-constexpr double kLeastCoarseness = -1.1;
+// What hardly a noisy picture showed: noise that falls off ever slower with scale though it should
+// ever faster, and what repeats itself as woven cloth does.
 constexpr double kMostBend = 0.6;
 constexpr double kMostRepeated = 0.15;
 constexpr double kLeastDoubtBeyond = 1;
 
-// No photograph's texture passes for noise as strong as that.
+// Hardly any photograph's texture passes for noise as strong as that.
 constexpr double kStrongEstimate = 0.6;
 constexpr double kCreditOfStrong = 0.7;
 
-constexpr double kQuietFloor = 0.02;  // as far as rounding to whole steps leaves it in doubt
-constexpr double kPurityFloor = 0.05;
+constexpr double kPurityFloor = 0.05;  // as far as rounding to whole steps leaves it in doubt
 constexpr double kAlongLumaFloor = 0.02;
-
-bool is_beyond_noise(const ChromaNoise& noise, const Removal& removal) {
-  const double quiet = noise.quiet + kQuietFloor;
-  return removal.energy > kMostEnergy * quiet * quiet || removal.along_chroma > kMostAlongChroma ||
-         noise.coarseness < kLeastCoarseness || noise.bend > kMostBend ||
-         removal.pattern.repeated > kMostRepeated;
-}
 
 }  // namespace
 
@@ -38,11 +25,12 @@ bool is_beyond_noise(const ChromaNoise& noise, const Removal& removal) {
 double doubt(const ChromaNoise& noise, const Removal& removal) {
   const double credit = noise.estimate > kStrongEstimate ? kCreditOfStrong : 0;
   const double sum =
-      -1.60 - credit - 2.34 * std::log(noise.purity + kPurityFloor) - 1.28 * noise.own_share +
+      -1.70 - credit - 2.34 * std::log(noise.purity + kPurityFloor) - 1.28 * noise.own_share +
       1.72 * noise.coarseness - 0.80 * noise.to_luma + 0.46 * noise.bend - 1.05 * noise.evenness +
       3.55 * std::log(removal.along_luma + kAlongLumaFloor) + 3.70 * removal.along_chroma +
       5.88 * removal.untouched + 17.3 * removal.pattern.directed;
-  return is_beyond_noise(noise, removal) ? std::max(sum, kLeastDoubtBeyond) : sum;
+  const bool beyond_noise = noise.bend > kMostBend || removal.pattern.repeated > kMostRepeated;
+  return beyond_noise ? std::max(sum, kLeastDoubtBeyond) : sum;
 }
 
 }  // namespace tool

@@ -53,7 +53,7 @@ Measured measure(const std::string& path, const MeasureOptions& options,
     if (const std::optional<int> tried = index_to_try(estimate, calibration)) {
       const Removal removal = try_noise_index(frame, *tried, settings);
       measured.trial = IndexTrial{*tried, removal, doubt(*measured.chroma, removal)};
-      measured.noise_index = measured.trial->doubt < 0 ? *tried : 0;
+      measured.noise_index = index_after_trial(*tried, measured.trial->doubt, calibration);
     }
   }
   measured.iso = exif_iso(picture->metadata.exif);
@@ -72,7 +72,8 @@ void print_trial(const ChromaNoise& noise, const IndexTrial& trial) {
   const Removal& removal = trial.removal;
   std::printf("  %-14s%8d%s\n", "tried index", trial.noise_index,
               trial.doubt < 0 ? "" : ": could remove texture");
-  std::printf("    %-12s%8.2f  (below 0: what it removes is noise)\n", "doubt", trial.doubt);
+  std::printf("    %-12s%8.2f  (below 0: noise; above -3 the index is lowered)\n", "doubt",
+              trial.doubt);
   std::printf(
       "    %-12s%8.2f  mean square; %.0f %% follows luma, %.0f %% of the chroma untouched\n",
       "removed", removal.energy, 100 * removal.along_luma, 100 * removal.untouched);

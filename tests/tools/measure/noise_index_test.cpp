@@ -271,12 +271,9 @@ TEST(NoiseVerdict, RefusesWhatNoNoiseIs) {
     const char* what;
     std::function<void(ChromaNoise&, tool::Removal&)> change;
   } kCases[] = {
-      {"too much goes", [](auto&, auto& r) { r.energy = 40; }},
       {"luma's texture", [](auto&, auto& r) { r.along_luma = 0.9; }},
-      {"where texture stays", [](auto&, auto& r) { r.along_chroma = 0.95; }},
       {"lines", [](auto&, auto& r) { r.pattern.directed = 0.8; }},
       {"a woven pattern", [](auto&, auto& r) { r.pattern.repeated = 0.2; }},
-      {"finer than white", [](auto& n, auto&) { n.coarseness = -1.2; }},
       {"coarse blotches", [](auto& n, auto&) { n.bend = 0.7; }},
   };
   for (const auto& test : kCases) {
@@ -285,6 +282,18 @@ TEST(NoiseVerdict, RefusesWhatNoNoiseIs) {
     test.change(changed_noise, changed_removal);
     EXPECT_GE(tool::doubt(changed_noise, changed_removal), 0) << test.what;
   }
+}
+
+TEST(NoiseIndex, IsTheLowerTheGreaterTheDoubt) {
+  const NoiseCalibration levels{{100, 0.5}, {6400, 4}};
+  const struct {
+    double doubt;
+    int index;
+  } kCases[] = {{-20, 3200}, {-3, 3200}, {-1.5, 1131}, {-0.001, 400}, {0, 0}, {5, 0}};
+  for (const auto& test : kCases) {
+    EXPECT_NEAR(tool::index_after_trial(3200, test.doubt, levels), test.index, 1) << test.doubt;
+  }
+  EXPECT_EQ(tool::index_after_trial(150, -0.001, levels), 100) << "the first level's at least";
 }
 
 TEST(RemovalPattern, TellsLinesAndRepetitionFromNoise) {
