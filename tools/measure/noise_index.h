@@ -43,7 +43,8 @@ using TryIndex = std::function<std::optional<Removal>(int noise_index)>;
                                               const NoiseCalibration& calibration);
 
 // What is used of an index that was tried: all of it where the removal is noise without doubt, less
-// the greater the doubt, but at least the first level's. 0 where it is better left (noise_verdict.h).
+// the greater the doubt, but at least the first level's. 0 where it is better left
+// (noise_verdict.h).
 [[nodiscard]] int index_after_trial(int tried, double doubt, const NoiseCalibration& calibration);
 
 // The noise index of a video's frames one after the other. Every frame is measured, because a
