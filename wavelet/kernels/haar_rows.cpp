@@ -96,8 +96,6 @@ void split_tapped_rows(const split_tap<Sample>* rows, int row_count, _Float16* l
       return split_rows<2>(rows, lo, hi, width);
     case 3:
       return split_rows<3>(rows, lo, hi, width);
-    case 4:
-      return split_rows<4>(rows, lo, hi, width);
   }
 }
 

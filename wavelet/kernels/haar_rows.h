@@ -29,9 +29,10 @@ struct split_tap {
   _Float16 high;
 };
 
-inline constexpr int kMaxSplitTaps = 4;
+inline constexpr int kMaxSplitTaps = 3;
 
-// The sums from +0 with the low and with the high taps. `rows` has 1 to kMaxSplitTaps entries.
+// The sums from +0 with the low and with the high taps, for filters without a kernel below and for
+// the ends of a line, where some samples are missing. `rows` has 1 to kMaxSplitTaps entries.
 // Outputs overlap no input and not each other; the same below.
 template <typename Sample>
 void split_tapped_rows(const split_tap<Sample>* rows, int row_count, _Float16* lo, _Float16* hi,
