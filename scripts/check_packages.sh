@@ -36,7 +36,7 @@ say 'the installed command gives the bytes of the built one'
 vorel check /usr/share/vorel/tuning/*.json >/dev/null
 gzip -t /usr/share/man/man1/vorel.1.gz
 bash -n /usr/share/bash-completion/completions/vorel
-ldconfig -p | grep -q libvorel.so.1
+ldconfig -p | grep -F libvorel.so.1 >/dev/null  # -q would end the pipe early
 
 install ./libvorel-dev_*.deb ./gstreamer1.0-vorel_*.deb
 examples=/usr/share/doc/libvorel-dev/examples/c
