@@ -72,7 +72,7 @@ void print_trial(const ChromaNoise& noise, const IndexTrial& trial) {
   const Removal& removal = trial.removal;
   std::printf("  %-14s%8d%s\n", "tried index", trial.noise_index,
               trial.doubt < 0 ? "" : ": could remove texture");
-  std::printf("    %-12s%8.2f  (below 0: noise; above -3 the index is lowered)\n", "doubt",
+  std::printf("    %-12s%8.2f  (below 0: noise; near 0 the index is lowered)\n", "doubt",
               trial.doubt);
   std::printf(
       "    %-12s%8.2f  mean square; %.0f %% follows luma, %.0f %% of the chroma untouched\n",
