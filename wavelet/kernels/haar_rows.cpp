@@ -71,16 +71,10 @@ void sum_tapped_rows(const tapped_row* rows, int row_count, _Float16 start, _Flo
       return sum_rows<1>(rows, start, scale, out, width);
     case 2:
       return sum_rows<2>(rows, start, scale, out, width);
-    case 3:
-      return sum_rows<3>(rows, start, scale, out, width);
     case 4:
       return sum_rows<4>(rows, start, scale, out, width);
-    case 5:
-      return sum_rows<5>(rows, start, scale, out, width);
     case 6:
       return sum_rows<6>(rows, start, scale, out, width);
-    case 7:
-      return sum_rows<7>(rows, start, scale, out, width);
     case 8:
       return sum_rows<8>(rows, start, scale, out, width);
   }

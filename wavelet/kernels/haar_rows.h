@@ -16,7 +16,8 @@ struct tapped_row {
 inline constexpr int kMaxTappedRows = 8;
 
 // out[x] = ((start + tap0 * row0[x]) + tap1 * row1[x] + ...) * scale, every operation rounded.
-// `rows` has 1 to kMaxTappedRows entries. A start of -0 changes no sum, not even one that is -0;
+// `rows` has 1, 2, 4, 6 or kMaxTappedRows entries: beside the ends of a line terms are left out in
+// pairs, of a low and a high band. A start of -0 changes no sum, not even one that is -0;
 // a start of +0 turns -0 into +0. `out` overlaps no row.
 void sum_tapped_rows(const tapped_row* rows, int row_count, _Float16 start, _Float16 scale,
                      _Float16* out, int width);
