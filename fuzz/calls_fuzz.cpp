@@ -122,7 +122,7 @@ class Calls {
     options.sensor_id = prepare();
     options.nice = any_int(input_, 0, 19);
     options.workers = any_int(input_, 1, 3);
-    options.disable_wavelet = input_.ConsumeBool();  // it takes most of a small frame's time
+    options.disable_wavelet = input_.ConsumeIntegralInRange(0, 7) != 0;  // most of a frame's time
     if (input_.ConsumeBool()) {
       options.tuning_text = text.data();
       options.tuning_text_bytes = text.size();

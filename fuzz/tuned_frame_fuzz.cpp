@@ -81,7 +81,7 @@ struct StridedCopy {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   prepare_frames();
-  g_dense = open_handle(3);
+  g_dense = open_handle(2);
   g_strided = open_handle(1);
   return 0;
 }

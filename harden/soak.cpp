@@ -1,7 +1,8 @@
-// Many frames, handles and loads of the shared library: memory, threads and descriptors must stay
-// what they are. Then how much longer than the median frame the slowest takes while the processors
-// are busy with something else.
-//   harden_soak LIBRARY LESS    LESS times fewer of everything; 1 for the whole
+// Of the shared library, LESS times fewer of everything; 1 for the whole:
+//   harden_soak LIBRARY kept LESS       many frames, handles and loads: memory, threads and
+//                                       descriptors must stay what they are
+//   harden_soak LIBRARY latency LESS    how much longer than the median frame the slowest takes
+//                                       while the processors are busy with something else
 #include <android/log.h>
 #include <dlfcn.h>
 #include <sys/stat.h>
@@ -32,6 +33,11 @@ constexpr double kMostLatency = 5;
 
 int g_wrong = 0;
 std::string g_result;
+
+void tell(const char* text) {
+  if (!g_result.empty()) g_result += "; ";
+  g_result += text;
+}
 
 struct Library {
   void* loaded;
@@ -143,9 +149,9 @@ void soak(const char* what, int times, Step step) {
     std::printf("WRONG: %s is not flat\n", what);
   }
   char text[160];
-  std::snprintf(text, sizeof(text), "%d %s: %+ld KiB of %ld, %ld threads, %ld descriptors; ", times,
+  std::snprintf(text, sizeof(text), "%d %s: %+ld KiB of %ld, %ld threads, %ld descriptors", times,
                 what, grown, now.resident_kib, now.threads, now.descriptors);
-  g_result += text;
+  tell(text);
 }
 
 void soak_frames(const Library& library, const char* what, int width, int height, int times) {
@@ -155,6 +161,17 @@ void soak_frames(const Library& library, const char* what, int width, int height
   if (camera.denoise_fresh() == first) return;
   ++g_wrong;
   std::printf("WRONG: the last of %s has other bytes than the first\n", what);
+}
+
+void soak_everything(const char* path, int less) {
+  soak("loads", 1000 / less, [&] {
+    const Library library(path);
+    Camera(library, 64, 48).denoise();
+  });
+  const Library library(path);
+  soak("handles", 100000 / less, [&] { library.deinit(library.make(64, 48)); });
+  soak_frames(library, "frames of 64x48", 64, 48, 1000000 / less);
+  soak_frames(library, "frames of 1080p", 1920, 1080, 10000 / less);
 }
 
 void try_latency(const Library& library, int frames, bool judged) {
@@ -179,7 +196,7 @@ void try_latency(const Library& library, int frames, bool judged) {
                 "%d frames of 1080p under two busy loops: median %.1f ms, 99 %% within %.1f, "
                 "slowest %.1f (%.1f times the median)",
                 frames, at(0.5), at(0.99), at(1), ratio);
-  g_result += text;
+  tell(text);
   if (judged && ratio >= kMostLatency) {
     ++g_wrong;
     std::printf("WRONG: the slowest frame\n");
@@ -189,23 +206,20 @@ void try_latency(const Library& library, int frames, bool judged) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const int less = argc == 3 ? std::atoi(argv[2]) : 0;
-  if (less < 1 || less > 100) {
-    std::fprintf(stderr, "harden_soak LIBRARY LESS, 1 to 100\n");
+  const std::string what = argc == 4 ? argv[2] : "";
+  const int less = argc == 4 ? std::atoi(argv[3]) : 0;
+  if ((what != "kept" && what != "latency") || less < 1 || less > 100) {
+    std::fprintf(stderr, "harden_soak LIBRARY kept|latency LESS, 1 to 100\n");
     return 2;
   }
   __android_log_set_minimum_priority(ANDROID_LOG_SILENT);
   unsetenv("PERSIST_VENDOR_LIBVOREL_DEBUG");
-  soak("loads", 1000 / less, [&] {
-    const Library library(argv[1]);
-    Camera(library, 64, 48).denoise();
-  });
-  const Library library(argv[1]);
-  soak("handles", 100000 / less, [&] { library.deinit(library.make(64, 48)); });
-  soak_frames(library, "frames of 64x48", 64, 48, 1000000 / less);
-  soak_frames(library, "frames of 1080p", 1920, 1080, 10000 / less);
-  // Of fewer frames it is told but not judged.
-  try_latency(library, 10000 / less, less == 1);
+  if (what == "latency") {
+    // Of fewer frames it is told but not judged.
+    try_latency(Library(argv[1]), 10000 / less, less == 1);
+  } else {
+    soak_everything(argv[1], less);
+  }
   std::printf("result: %s\n", g_result.c_str());
   return g_wrong == 0 ? 0 : 1;
 }

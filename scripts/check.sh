@@ -23,11 +23,14 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+# Runs beside each other take turns.
 configure_and_build() {
   local preset=$1
   shift
   mkdir -p build
-  if ! { cmake --preset "$preset" && cmake --build --preset "$preset" "$@"; } >"build/$preset.log" 2>&1; then
+  # shellcheck disable=SC2016  # expanded by the inner shell
+  if ! flock "build/$preset.lock" sh -c 'cmake --preset "$0" && cmake --build --preset "$0" "$@"' "$preset" "$@" \
+    >"build/$preset.log" 2>&1; then
     tail -n 60 "build/$preset.log"
     echo "check: preset $preset does not build; whole log in build/$preset.log" >&2
     return 1

@@ -3,18 +3,23 @@
 #   scripts/harden.sh [ROW...]      runs all rows, or those named (files of harden/)
 #   scripts/harden.sh --list        the rows and what they try
 #   scripts/harden.sh --table       the table of the rows that ran last in out/harden/, as Markdown
-# HARDEN=short runs each row's short form, HARDEN=long (default) the whole. A row's output goes to
-# out/harden/ROW.log; its last line is "result: TEXT".
+# HARDEN=short runs each row's short form, HARDEN=long (default) the whole. As many rows run beside
+# each other as there are processors; those with a line "# alone: REASON" run first, one by one.
+# A row's output goes to out/harden/ROW.log; its last line is "result: TEXT".
 set -uo pipefail
 cd "$(dirname "$0")/.." || exit
 
 # In the order of the table.
-rows=(allocations system_calls fuzzing memory_and_threads pages same_bytes soak command_faults
+rows=(allocations system_calls fuzzing memory_and_threads pages same_bytes soak latency command_faults
   mutation static_analysis supply arm_host)
+# Those that take longest, which begin first so that none is left alone at the end.
+longest=(fuzzing arm_host mutation pages)
 form=${HARDEN:-long}
 
 # The row's line "# tries: TEXT".
 what() { sed -n 's/^# tries: //p' "harden/$1" | head -n 1; }
+
+is_alone() { grep -q '^# alone: ' "harden/$1"; }
 
 list() {
   for row in "${rows[@]}"; do
@@ -48,7 +53,7 @@ run() {
 }
 
 case ${1:-} in
-  -h | --help) sed -n '2,8s/^# \{0,1\}//p' "$0"; exit ;;
+  -h | --help) sed -n '2,9s/^# \{0,1\}//p' "$0"; exit ;;
   --list) list; exit ;;
   --table) table; exit ;;
 esac
@@ -61,8 +66,33 @@ for row in "$@"; do
   [ -x "harden/$row" ] || { echo "harden: no row named $row" >&2; list >&2; exit 1; }
 done
 mkdir -p out/harden
-failed=()
-for row in "$@"; do run "$row" || failed+=("$row"); done
-echo
-if [ ${#failed[@]} -gt 0 ]; then echo "harden: failed: ${failed[*]}"; exit 1; fi
-echo "harden: $# rows passed"
+
+# Those named, in the order in which they begin.
+alone=()
+beside=()
+for row in "${longest[@]}" "${rows[@]}"; do
+  case " $* " in *" $row "*) ;; *) continue ;; esac
+  case " ${alone[*]} ${beside[*]} " in *" $row "*) continue ;; esac
+  if is_alone "$row"; then alone+=("$row"); else beside+=("$row"); fi
+done
+
+failed=0
+running=0
+wait_for_one() {
+  wait -n || failed=$((failed + 1))
+  running=$((running - 1))
+}
+for row in "${alone[@]}"; do run "$row" || failed=$((failed + 1)); done
+for row in "${beside[@]}"; do
+  if [ $running -ge "$(nproc)" ]; then wait_for_one; fi
+  run "$row" &
+  running=$((running + 1))
+done
+while [ $running -gt 0 ]; do wait_for_one; done
+
+time=$(printf '%d min %02d s' $((SECONDS / 60)) $((SECONDS % 60)))
+if [ $failed -gt 0 ]; then
+  echo "harden: $failed of $# rows failed, in $time"
+  exit 1
+fi
+echo "harden: $# rows passed in $time"

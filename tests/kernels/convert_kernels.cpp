@@ -47,12 +47,16 @@ upsample_job describe_plane(KernelData& data) {
   return {data.size.width, data.size.height, data.bytes(0), data.bytes(1)};
 }
 
-void upsample_plainly(KernelData& data, Factor factor) {
+// The factor is the compiler's to know: each output is divided by it.
+template <Factor factor>
+void upsample_plainly(KernelData& data) {
   const PlainUpsampling plane{data.bytes(0), data.size.width, data.size.height, factor.across,
                               factor.down};
   const int width = data.size.width * factor.across;
-  for (int y = 0; y < data.size.height * factor.down; ++y) {
-    for (int x = 0; x < width; ++x) data.bytes(1)[y * width + x] = plane.at(y, x);
+  const int height = data.size.height * factor.down;
+  uint8_t* out = data.bytes(1);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) out[y * width + x] = plane.at(y, x);
   }
 }
 
@@ -119,6 +123,6 @@ void run_upsample_uv422(KernelData& data, KernelStrip) {
   upsample_uv422(&job);
 }
 
-void plain_upsample_y(KernelData& data, KernelStrip) { upsample_plainly(data, {16, 16}); }
-void plain_upsample_uv420(KernelData& data, KernelStrip) { upsample_plainly(data, {8, 8}); }
-void plain_upsample_uv422(KernelData& data, KernelStrip) { upsample_plainly(data, {8, 16}); }
+void plain_upsample_y(KernelData& data, KernelStrip) { upsample_plainly<{16, 16}>(data); }
+void plain_upsample_uv420(KernelData& data, KernelStrip) { upsample_plainly<{8, 8}>(data); }
+void plain_upsample_uv422(KernelData& data, KernelStrip) { upsample_plainly<{8, 16}>(data); }

@@ -57,8 +57,9 @@ inline const _Float16 kNotANumber = half_of_bits(0x7E00);
 // Chroma-like samples, with fractions, some zeros of both signs and some subnormal numbers.
 inline std::vector<_Float16> random_halves(size_t count, double low, double high,
                                            std::mt19937& random) {
-  std::uniform_real_distribution<double> spread(low, high);
+  constexpr double kNumbers = 4294967296;  // the generator's
   std::vector<_Float16> plane;
+  plane.reserve(count);
   for (size_t i = 0; i < count; ++i) {
     const unsigned kind = random() % 16;
     if (kind == 0) {
@@ -66,7 +67,7 @@ inline std::vector<_Float16> random_halves(size_t count, double low, double high
     } else if (kind == 1) {
       plane.push_back(half_of_bits(static_cast<uint16_t>(random() % 1024 | (random() & 0x8000))));
     } else {
-      plane.push_back(PlainHalf(spread(random)));
+      plane.push_back(PlainHalf(low + (high - low) * (random() / kNumbers)));
     }
   }
   return plane;
