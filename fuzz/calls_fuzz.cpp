@@ -39,7 +39,7 @@ struct Slot {
 
 class Calls {
  public:
-  explicit Calls(FuzzedDataProvider& input) : input_(input) {}
+  Calls(FuzzedDataProvider& input, bool wavelet_too) : input_(input), wavelet_too_(wavelet_too) {}
   ~Calls() {
     for (Slot& slot : slots_) close(slot);
     pool_.deinit();
@@ -112,6 +112,7 @@ class Calls {
     const uint32_t sensor_id = prepare();
     const int width = input_.ConsumeBool() ? 16 * input_.ConsumeIntegralInRange(1, 4) : any_width();
     slot.handle = vorel_init(width, any_height(), input_.ConsumeBool() ? 1 : 0, sensor_id);
+    if (slot.handle != nullptr && !wavelet_too_) slot.handle->tuning.mfd_uv_tuning.enable = 0;
   }
 
   void open(Slot& slot) {
@@ -122,7 +123,7 @@ class Calls {
     options.sensor_id = prepare();
     options.nice = any_int(input_, 0, 19);
     options.workers = any_int(input_, 1, 3);
-    options.disable_wavelet = input_.ConsumeIntegralInRange(0, 7) != 0;  // most of a frame's time
+    options.disable_wavelet = input_.ConsumeBool() || !wavelet_too_;
     if (input_.ConsumeBool()) {
       options.tuning_text = text.data();
       options.tuning_text_bytes = text.size();
@@ -276,6 +277,7 @@ class Calls {
   }
 
   FuzzedDataProvider& input_;
+  bool wavelet_too_;
   Slot slots_[2];
   ThreadPool pool_;
   int workers_ = -1;  // none was asked for
@@ -295,7 +297,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzedDataProvider input(data, size);
-  Calls calls(input);
+  Calls calls(input, may_take_wavelet(data, size));
   for (int i = 0; i < kMostCalls && input.remaining_bytes() > 0; ++i) calls.make_one();
   return 0;
 }

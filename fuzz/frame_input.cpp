@@ -59,7 +59,13 @@ float any_float(FuzzedDataProvider& input) {
                              : input.ConsumeFloatingPoint<float>();
 }
 
-void fill_tuning(FuzzedDataProvider& input, cnr_tuning& tuning) {
+bool may_take_wavelet(const uint8_t* data, size_t size) {
+  uint32_t hash = 2166136261;
+  for (size_t i = 0; i < size; ++i) hash = (hash ^ data[i]) * uint64_t{16777619} & UINT32_MAX;
+  return hash >> 30 == 0;
+}
+
+void fill_tuning(FuzzedDataProvider& input, bool wavelet_too, cnr_tuning& tuning) {
   tuning.enable = input.ConsumeBool();
   tuning.enableNoiseIndex = any_int(input, 0, 1000);
   tuning.NILevelNum = input.ConsumeIntegralInRange(0, kNoiseLevels);
@@ -85,7 +91,7 @@ void fill_tuning(FuzzedDataProvider& input, cnr_tuning& tuning) {
     interleaving.cs_lower_thresh_table[level] = any_int(input, 0, 255);
   }
   mfd_uv_tuning& wavelet = tuning.mfd_uv_tuning;
-  wavelet.enable = input.ConsumeIntegralInRange(0, 3) == 0;  // takes most of a small frame's time
+  wavelet.enable = input.ConsumeBool() && wavelet_too;
   for (auto* table :
        {&wavelet.radialModeTable, &wavelet.denoiseThrChroma0Table, &wavelet.denoiseThrChroma1Table,
         &wavelet.denoiseThrChroma2Table, &wavelet.denoiseThrChroma3Table,

@@ -21,9 +21,13 @@ float any_float(FuzzedDataProvider& input);
 // Half spans of the window; the work of a frame grows with their product.
 inline constexpr int kLargestSpan = 6;
 
+// Whether an input's frames may take the wavelet path, which takes most of a small frame's time:
+// one of four do. All bytes decide, for towards a single one that lets them the corpus would grow.
+bool may_take_wavelet(const uint8_t* data, size_t size);
+
 // What a tuning file can set, and the tap count, which only memory can. Any value in any field, but
-// for spans, which stay small.
-void fill_tuning(FuzzedDataProvider& input, cnr_tuning& tuning);
+// for spans, which stay small, and for the wavelet path, which is on only where it may be.
+void fill_tuning(FuzzedDataProvider& input, bool wavelet_too, cnr_tuning& tuning);
 
 // A frame whose planes end, or start, at unreadable pages, with exactly the bytes that its record
 // speaks of. Sizes, strides and layout as they are given, legal or not.

@@ -49,8 +49,11 @@ void* run_tasks(void*) {
     pthread_mutex_lock(&g_lock);
     ++g_free;
     task->ended = true;
-    if (task->detached) delete task;
-    pthread_cond_broadcast(&g_ended);
+    if (task->detached) {
+      delete task;
+    } else {
+      pthread_cond_broadcast(&g_ended);
+    }
   }
 }
 
@@ -65,8 +68,8 @@ int __wrap_pthread_create(pthread_t* id, const pthread_attr_t*, void* (*function
   g_tasks = task;
   const bool has_thread = g_free > 0;
   if (has_thread) --g_free;
-  pthread_cond_signal(&g_given);
   pthread_mutex_unlock(&g_lock);
+  pthread_cond_signal(&g_given);
   if (has_thread) return 0;
   pthread_t made;
   if (__real_pthread_create(&made, nullptr, run_tasks, nullptr) != 0) std::abort();

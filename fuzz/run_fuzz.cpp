@@ -76,7 +76,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   options.nice = 0;
   vorel* handle = vorel_open(&options, nullptr);
   if (handle == nullptr) return 0;
-  fill_tuning(input, handle->tuning);
+  fill_tuning(input, may_take_wavelet(data, size), handle->tuning);
   {
     const DebugLevel level(input, handle);
     for (int frames = input.ConsumeIntegralInRange(1, 3); frames > 0; --frames) {

@@ -88,7 +88,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzedDataProvider input(data, size);
-  fill_tuning(input, g_dense->tuning);
+  fill_tuning(input, may_take_wavelet(data, size), g_dense->tuning);
   g_strided->tuning = g_dense->tuning;
   const int blocks = input.ConsumeIntegralInRange(0, 7) == 0 ? kBlocks : kFewBlocks;
   const int cols = input.ConsumeIntegralInRange(1, blocks);
