@@ -76,18 +76,30 @@ for row in "${longest[@]}" "${rows[@]}"; do
   if is_alone "$row"; then alone+=("$row"); else beside+=("$row"); fi
 done
 
+# Each row is a process group, so that an interrupt ends all that it has begun.
+set -m
+interrupt() {
+  for group in $(jobs -p); do kill -- "-$group" 2>/dev/null; done
+  echo 'harden: interrupted' >&2
+  exit 1
+}
+trap interrupt INT TERM HUP
+
 failed=0
 running=0
 wait_for_one() {
   wait -n || failed=$((failed + 1))
   running=$((running - 1))
 }
-for row in "${alone[@]}"; do run "$row" || failed=$((failed + 1)); done
-for row in "${beside[@]}"; do
-  if [ $running -ge "$(nproc)" ]; then wait_for_one; fi
-  run "$row" &
+# Beside so many others, at most.
+start() {
+  while [ $running -gt "$1" ]; do wait_for_one; done
+  run "$2" &
   running=$((running + 1))
-done
+}
+for row in "${alone[@]}"; do start 0 "$row"; done
+if [ $running -gt 0 ]; then wait_for_one; fi
+for row in "${beside[@]}"; do start $(($(nproc) - 1)) "$row"; done
 while [ $running -gt 0 ]; do wait_for_one; done
 
 time=$(printf '%d min %02d s' $((SECONDS / 60)) $((SECONDS % 60)))
