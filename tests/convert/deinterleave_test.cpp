@@ -18,17 +18,21 @@ TEST(DeinterleaveKernels, CoverTheAreaTheyAreGiven) {
   for (size_t i = 0; i < packed.size(); ++i) packed[i] = static_cast<uint8_t>(i % 251);
   for (size_t i = 0; i < uv.size(); ++i) uv[i] = static_cast<uint8_t>(i % 241);
   Bytes u(12, kUntouched), v(12, kUntouched);
-  deinterleave_yuv420_uv_downsample_neon(u.data(), v.data(), uv.data(), 48, 32, 64);
+  EXPECT_EQ(deinterleave_yuv420_uv_downsample_neon(u.data(), v.data(), uv.data(), 48, 32, 64), 0);
   EXPECT_EQ(u[6], uv[8 * 64 + 32]);
   EXPECT_EQ(v[6], uv[8 * 64 + 33]);
-  deinterleave_uv422_uv_downsample_neon(nullptr, u.data(), v.data(), packed.data(), 64, 32, 48);
+  EXPECT_EQ(
+      deinterleave_uv422_uv_downsample_neon(nullptr, u.data(), v.data(), packed.data(), 64, 32, 48),
+      0);
   EXPECT_EQ(u[6], packed[16 * 128 + 65]);
   EXPECT_EQ(v[6], packed[16 * 128 + 67]);
   EXPECT_EQ(std::count(u.begin() + 7, u.end(), kUntouched), 5);
   EXPECT_EQ(u[3], kUntouched);
   Bytes y(64 * 32, kUntouched);
   std::fill(u.begin(), u.end(), kUntouched);
-  deinterleave_yuv422_uv_downsample_neon(y.data(), u.data(), v.data(), packed.data(), 64, 32, 48);
+  EXPECT_EQ(deinterleave_yuv422_uv_downsample_neon(y.data(), u.data(), v.data(), packed.data(), 64,
+                                                   32, 48),
+            0);
   EXPECT_EQ(y[31 * 64 + 47], packed[2 * (31 * 64 + 47)]);
   EXPECT_EQ(y[31 * 64 + 48], kUntouched);
   EXPECT_EQ(u[6], packed[16 * 128 + 65]);

@@ -27,13 +27,13 @@ TEST(Upsample, RampBetweenBlackAndWhite) {
 TEST(Upsample, FunctionsWithOrdersOfTheirOwn) {
   uint8_t src[] = {0, 255};
   Bytes expected(2 * 256), luma(2 * 256);
-  upsample_y_neon(expected.data(), src, 2, 1);
-  y_upsample(luma.data(), src, 1, 2);
+  EXPECT_EQ(upsample_y_neon(expected.data(), src, 2, 1), 0);
+  EXPECT_EQ(y_upsample(luma.data(), src, 1, 2), 0);
   EXPECT_EQ(luma, expected);
   Bytes chroma(2 * 128);
   expected.resize(2 * 128);
-  upsample_uv_neon(expected.data(), src, 2, 1, 2);
-  uv_upsample(src, chroma.data(), 1, 2);
+  EXPECT_EQ(upsample_uv_neon(expected.data(), src, 2, 1, 2), 0);
+  EXPECT_EQ(uv_upsample(src, chroma.data(), 1, 2), 0);
   EXPECT_EQ(chroma, expected);
   EXPECT_EQ(chroma[5], 159);
 }
@@ -43,18 +43,20 @@ TEST(Upsample, ChromaKernelsCoverTheFirstColumnsOnly) {
   for (const bool packed : {false, true}) {
     const size_t rows = packed ? 32 : 16;
     Bytes dst(24 * rows, kUntouched);
-    (packed ? upsample_uv_neon : upsample_uv420_neon)(dst.data(), src.data(), 3, 2, 2);
+    const auto upsample = packed ? upsample_uv_neon : upsample_uv420_neon;
+    EXPECT_EQ(upsample(dst.data(), src.data(), 3, 2, 2), 0);
     for (size_t i = 0; i < dst.size(); ++i) ASSERT_EQ(dst[i], i % 24 < 16 ? 77 : kUntouched) << i;
   }
 }
 
 TEST(Upsample, EmptyPlanesWriteNothing) {
   uint8_t sample = kUntouched;
-  constexpr int kSizes[][2] = {{0, 1}, {1, 0}, {-1, 1}};
-  for (const auto& [cols, rows] : kSizes) {
+  constexpr int kSizes[][3] = {{0, 1, 2}, {1, 0, 2}, {-1, 1, 2}, {1, -1, 2}, {1, 1, -1}};
+  for (const auto& [cols, rows, covered] : kSizes) {
+    upsample_uv420_neon(&sample, &sample, cols, rows, covered);
+    upsample_uv_neon(&sample, &sample, cols, rows, covered);
+    if (covered < 0) continue;
     upsample_y_neon(&sample, &sample, cols, rows);
-    upsample_uv420_neon(&sample, &sample, cols, rows, 2);
-    upsample_uv_neon(&sample, &sample, cols, rows, 2);
     y_upsample(&sample, &sample, rows, cols);
     uv_upsample(&sample, &sample, rows, cols);
   }

@@ -116,6 +116,19 @@ TEST_F(StagesTest, InterleaveStripsPointIntoThePlanes) {
   EXPECT_EQ(packed->interleave_jobs[2].upsampled_u - packed->upsampled_u, 32 * 24);
 }
 
+TEST_F(StagesTest, PackedFramesLumaGoesToItsPlane) {
+  constexpr int kWidth = 48;
+  constexpr int kHeight = 50;
+  Record run(kWidth, kHeight, VOREL_FMT_YUYV);
+  std::vector<uint8_t> packed(2 * kWidth * 64);
+  std::iota(packed.begin(), packed.end(), 0);
+  std::vector<uint8_t> luma(kWidth * 64);
+  run->in_address_1 = packed.data();
+  run->y_source = luma.data();
+  EXPECT_EQ(vorel_deinterleave(run.get()), 0);
+  for (size_t i = 0; i < kWidth * kHeight; ++i) ASSERT_EQ(luma[i], packed[2 * i]) << i;
+}
+
 TEST_F(StagesTest, UnknownFormatFails) {
   Record run(48, 48, 0x30313233);
   EXPECT_EQ(vorel_deinterleave(run.get()), -1);

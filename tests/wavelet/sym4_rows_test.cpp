@@ -98,6 +98,40 @@ TEST(Sym4RowsByHand, EveryStepRounds) {
   EXPECT_EQ(half_bits(out[4]), 0x54DE);  // 77.875; wide 77.75
 }
 
+// Sums that overflow and come back, in one column at a time: no step of a pass may overlook it.
+TEST(Sym4Rows, OneColumnOfGreatSamples) {
+  constexpr int kWidth = 53;
+  const PlainPlane usual(kWidth, kSym4AnalysisRows, 100);
+  for (int column = 0; column < kWidth; ++column) {
+    SCOPED_TRACE(column);
+    PlainPlane src = usual, low = usual, high = usual;
+    for (int row = 0; row < kSym4AnalysisRows; ++row) {
+      src.at(column, row) = 44000;
+      low.at(column, row) = 45504;
+      high.at(column, row) = -45504;
+    }
+    const _Float16 *rows[kSym4AnalysisRows], *lows[kSym4SynthesisRows], *highs[kSym4SynthesisRows];
+    for (int i = 0; i < kSym4AnalysisRows; ++i) rows[i] = &src.at(0, i);
+    for (int i = 0; i < kSym4SynthesisRows; ++i) {
+      lows[i] = &low.at(0, i);
+      highs[i] = &high.at(0, i);
+    }
+    PlainPlane out(kWidth, 4);
+    sym4_analyse_rows(rows, &out.at(0, 0), &out.at(0, 1), kWidth);
+    sym4_synthesise_rows(lows, highs, &out.at(0, 2), &out.at(0, 3), kWidth);
+    const auto down = [column](PlainPlane& plane) -> PlainLine {
+      return [&plane, column](int row) { return plane.at(column, row); };
+    };
+    const PlainLine line = down(src), low_line = down(low), high_line = down(high);
+    const _Float16 expected[] = {plain_sum(kPlainLow, 4, line, line),
+                                 plain_sum(kPlainHigh, 4, line, line),
+                                 plain_sum(kPlainOdd, 2, low_line, high_line),
+                                 plain_sum(kPlainEven, 2, low_line, high_line)};
+    for (int i = 0; i < 4; ++i)
+      ASSERT_EQ(half_bits(out.at(column, i)), half_bits(expected[i])) << i;
+  }
+}
+
 // Every half that float terms take, and sums on, between and beside the halves that they round to.
 TEST(FloatTerms, GiveTheNumbersOfHalfTerms) {
   const auto expect_same = [](float number, _Float16 expected, float from) {
