@@ -61,6 +61,10 @@ if(NOT ANDROID AND NOT VOREL_SANITIZE)
   endif()
 endif()
 
-# Flags of the library's own sources.
-set(VOREL_LIBRARY_FLAGS ${VOREL_SHIPPED_FLAGS} -fno-exceptions -fno-rtti -Werror=date-time -Wconversion
+# Flags of the library's own sources. The undefined-behaviour sanitizer looks at the types of objects,
+# and a function that tests and library share is checked whichever of the two made the object.
+set(VOREL_LIBRARY_FLAGS ${VOREL_SHIPPED_FLAGS} -fno-exceptions -Werror=date-time -Wconversion
   -Wno-implicit-float-conversion)
+if(NOT VOREL_SANITIZE MATCHES "undefined")
+  list(APPEND VOREL_LIBRARY_FLAGS -fno-rtti)
+endif()
