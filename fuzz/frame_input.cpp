@@ -62,7 +62,7 @@ float any_float(FuzzedDataProvider& input) {
 bool may_take_wavelet(const uint8_t* data, size_t size) {
   uint32_t hash = 2166136261;
   for (size_t i = 0; i < size; ++i) hash = (hash ^ data[i]) * uint64_t{16777619} & UINT32_MAX;
-  return hash >> 30 == 0;
+  return hash >> 29 == 0;
 }
 
 void fill_tuning(FuzzedDataProvider& input, bool wavelet_too, cnr_tuning& tuning) {

@@ -22,7 +22,7 @@ float any_float(FuzzedDataProvider& input);
 inline constexpr int kLargestSpan = 6;
 
 // Whether an input's frames may take the wavelet path, which takes most of a small frame's time:
-// one of four do. All bytes decide, for towards a single one that lets them the corpus would grow.
+// one of eight do. All bytes decide, for towards a single one that lets them the corpus would grow.
 bool may_take_wavelet(const uint8_t* data, size_t size);
 
 // What a tuning file can set, and the tap count, which only memory can. Any value in any field, but
