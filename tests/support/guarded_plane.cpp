@@ -3,12 +3,12 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <map>
+#include <deque>
 #include <mutex>
-#include <vector>
 
 namespace {
 
@@ -20,8 +20,8 @@ void require(bool done, const char* what) {
   std::abort();
 }
 
-// Usable pages between two unreadable ones. Those given back stay mapped, unreadable as a whole:
-// to make them readable again takes a fraction of what new ones take.
+// Usable pages between two unreadable ones. Those given back last stay mapped, unreadable as a
+// whole: to make them readable again takes a fraction of what new ones take.
 class Mappings {
  public:
   uint8_t* take(size_t usable) {
@@ -33,28 +33,29 @@ class Mappings {
   }
 
   void give_back(uint8_t* pages, size_t usable) {
-    {
-      const std::lock_guard<std::mutex> lock(mutex_);
-      if (kept_bytes_ + usable <= kMostKept) {
-        require(mprotect(pages, usable, PROT_NONE) == 0, "mprotect");
-        kept_[usable].push_back(pages);
-        kept_bytes_ += usable;
-        return;
-      }
-    }
-    munmap(pages - kPage, usable + 2 * kPage);
+    require(mprotect(pages, usable, PROT_NONE) == 0, "mprotect");
+    const std::lock_guard<std::mutex> lock(mutex_);
+    kept_.push_back({pages, usable});
+    if (kept_.size() <= kMostKept) return;
+    const Kept oldest = kept_.front();
+    kept_.pop_front();
+    munmap(oldest.pages - kPage, oldest.usable + 2 * kPage);
   }
 
  private:
-  static constexpr size_t kMostKept = size_t{64} << 20;
+  struct Kept {
+    uint8_t* pages;
+    size_t usable;
+  };
+  static constexpr size_t kMostKept = 16;
 
   uint8_t* take_kept(size_t usable) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    std::vector<uint8_t*>& kept = kept_[usable];
-    if (kept.empty()) return nullptr;
-    uint8_t* pages = kept.back();
-    kept.pop_back();
-    kept_bytes_ -= usable;
+    const auto found = std::find_if(kept_.begin(), kept_.end(),
+                                    [&](const Kept& kept) { return kept.usable == usable; });
+    if (found == kept_.end()) return nullptr;
+    uint8_t* pages = found->pages;
+    kept_.erase(found);
     return pages;
   }
 
@@ -68,8 +69,7 @@ class Mappings {
   }
 
   std::mutex mutex_;
-  std::map<size_t, std::vector<uint8_t*>> kept_;
-  size_t kept_bytes_ = 0;
+  std::deque<Kept> kept_;
 };
 
 // Never destroyed: planes may be given back at the very end.
