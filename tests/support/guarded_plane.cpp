@@ -20,6 +20,11 @@ void require(bool done, const char* what) {
   std::abort();
 }
 
+// Emulators refuse a length of 0.
+void protect(uint8_t* pages, size_t bytes, int access) {
+  require(bytes == 0 || mprotect(pages, bytes, access) == 0, "mprotect");
+}
+
 // Usable pages between two unreadable ones. Those given back last stay mapped, unreadable as a
 // whole: to make them readable again takes a fraction of what new ones take.
 class Mappings {
@@ -27,13 +32,13 @@ class Mappings {
   uint8_t* take(size_t usable) {
     uint8_t* pages = take_kept(usable);
     if (pages == nullptr) return make(usable);
-    require(mprotect(pages, usable, PROT_READ | PROT_WRITE) == 0, "mprotect");
+    protect(pages, usable, PROT_READ | PROT_WRITE);
     std::memset(pages, 0, usable);
     return pages;
   }
 
   void give_back(uint8_t* pages, size_t usable) {
-    require(mprotect(pages, usable, PROT_NONE) == 0, "mprotect");
+    protect(pages, usable, PROT_NONE);
     const std::lock_guard<std::mutex> lock(mutex_);
     kept_.push_back({pages, usable});
     if (kept_.size() <= kMostKept) return;
@@ -64,7 +69,7 @@ class Mappings {
         mmap(nullptr, usable + 2 * kPage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     require(mapping != MAP_FAILED, "mmap");
     uint8_t* pages = static_cast<uint8_t*>(mapping) + kPage;
-    require(mprotect(pages, usable, PROT_READ | PROT_WRITE) == 0, "mprotect");
+    protect(pages, usable, PROT_READ | PROT_WRITE);
     return pages;
   }
 
