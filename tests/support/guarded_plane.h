@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <random>
 
-// Zeroed memory of exactly `bytes` bytes whose end (or, on demand, start) touches an unreadable
-// page: one access too far, or after its time, ends the test program.
+// Memory of exactly `bytes` bytes whose end (or, on demand, start) touches an unreadable page: one
+// access too far ends the test program.
 class GuardedBytes {
  public:
   enum class Guard { kEnd, kStart };
@@ -21,8 +21,8 @@ class GuardedBytes {
   size_t size() const { return size_; }
 
  private:
-  size_t usable_;
-  uint8_t* pages_;
+  uint8_t* mapping_;
+  size_t mapped_;
   uint8_t* data_;
   size_t size_;
 };
