@@ -11,7 +11,7 @@ help:
 	@echo 'make bench     benchmarks as a table; BENCH_ARGS=--benchmark_filter=... chooses'
 	@echo 'make bench-pair OLD=COMMIT   frames of this tree and of an older one, in turn'
 	@echo 'make check     every check (scripts/check.sh runs single ones)'
-	@echo 'make harden    what docs/reliability.md tells (2.5 hours on two cores); HARDEN=short: minutes'
+	@echo 'make harden    what docs/reliability.md tells (2.5 to 3 hours on two cores); HARDEN=short: minutes'
 	@echo 'make test-arm  build for 64-bit Arm and run the tests in emulation'
 	@echo 'make format    lay out the sources with clang-format'
 	@echo 'make package   Debian packages, archive and bill of materials in out/packages'
