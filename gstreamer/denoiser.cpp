@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "gstreamer/sample_tuning.h"
+#include "tools/measure/partial_removal.h"
 
 namespace {
 
@@ -32,6 +33,22 @@ tool::FrameView view_of(const vorel_frame& frame) {
   return {frame.luma,   static_cast<size_t>(frame.luma_stride),
           frame.chroma, static_cast<size_t>(frame.chroma_stride),
           frame.width,  frame.height};
+}
+
+tool::Rows chroma_rows(const vorel_frame& frame) {
+  return {frame.chroma, static_cast<size_t>(frame.chroma_stride),
+          (static_cast<size_t>(frame.width) + 1) / 2 * 2,
+          (static_cast<size_t>(frame.height) + 1) / 2};
+}
+
+std::vector<uint8_t> dense_copy(const tool::Rows& rows) {
+  std::vector<uint8_t> copy;
+  copy.reserve(rows.bytes * rows.count);
+  for (size_t y = 0; y < rows.count; ++y) {
+    const uint8_t* row = rows.data + y * rows.stride;
+    copy.insert(copy.end(), row, row + rows.bytes);
+  }
+  return copy;
 }
 
 }  // namespace
@@ -60,14 +77,25 @@ std::unique_ptr<Denoiser> Denoiser::open(const Settings& settings, int width, in
 
 Denoiser::~Denoiser() { vorel_deinit(handle_); }
 
-vorel_status Denoiser::process(vorel_frame frame, std::optional<int32_t> noise_index,
+tool::Strength Denoiser::strength_for(const vorel_frame& frame, const Settings& settings) {
+  if (settings.noise_index) return {*settings.noise_index};
+  const auto found =
+      tracker_.next(view_of(frame), [&](int tried) { return try_index(frame, tried); });
+  return found.value_or(tool::Strength{});
+}
+
+vorel_status Denoiser::process(vorel_frame frame, const Settings& settings,
                                vorel_frame_info* info) {
-  if (!noise_index) {
-    noise_index = tracker_.next(view_of(frame), [&](int tried) { return try_index(frame, tried); });
-  }
-  frame.noise_index = noise_index.value_or(0);
+  tool::Strength strength = strength_for(frame, settings);
+  if (settings.amount > 0) strength.percent = settings.amount;
+  frame.noise_index = strength.noise_index;
   info->size = sizeof(*info);
-  return vorel_denoise_frame(handle_, &frame, info);
+  if (strength.percent == 100) return vorel_denoise_frame(handle_, &frame, info);
+  const tool::Rows rows = chroma_rows(frame);
+  const std::vector<uint8_t> before = dense_copy(rows);
+  const vorel_status status = vorel_denoise_frame(handle_, &frame, info);
+  tool::keep_part_of_change(before.data(), rows.bytes, strength.percent, rows);
+  return status;
 }
 
 std::optional<tool::Removal> Denoiser::try_index(vorel_frame frame, int32_t noise_index) {

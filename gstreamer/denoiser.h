@@ -21,15 +21,16 @@ class Denoiser {
   Denoiser(const Denoiser&) = delete;
   Denoiser& operator=(const Denoiser&) = delete;
 
-  // In place. Without a noise index it is estimated; a frame whose noise cannot be seen is left as
-  // it is.
-  vorel_status process(vorel_frame frame, std::optional<int32_t> noise_index,
-                       vorel_frame_info* info);
+  // In place, with noise index and amount of the settings. Without a noise index it is estimated; a
+  // frame whose noise cannot be seen is left as it is.
+  vorel_status process(vorel_frame frame, const Settings& settings, vorel_frame_info* info);
 
   // The next frame is of another scene.
   void forget_estimate() { tracker_ = tool::NoiseIndexTracker(calibration_); }
 
  private:
+  tool::Strength strength_for(const vorel_frame& frame, const Settings& settings);
+
   // What denoising a copy of the frame with another noise index would remove.
   std::optional<tool::Removal> try_index(vorel_frame frame, int32_t noise_index);
 

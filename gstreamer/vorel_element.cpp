@@ -22,7 +22,7 @@ struct State {
   vorel_status last_status = VOREL_DONE;
 };
 
-enum Property { kNoiseIndex = 1, kTuning, kSensor, kSpatial, kWavelet };
+enum Property { kNoiseIndex = 1, kAmount, kTuning, kSensor, kSpatial, kWavelet };
 
 constexpr char kCaps[] =
     "video/x-raw, format = (string) { NV12, NV21 }, width = (int) [ 2, 65520 ], "
@@ -54,6 +54,9 @@ void set_property(GObject* object, guint id, const GValue* value, GParamSpec* ps
             g_value_get_string(value));
       }
       break;
+    case kAmount:
+      settings.amount = g_value_get_int(value);
+      break;
     case kTuning:
       settings.tuning = std::nullopt;
       if (const char* text = g_value_get_string(value)) settings.tuning = text;
@@ -81,6 +84,9 @@ void get_property(GObject* object, guint id, GValue* value, GParamSpec* pspec) {
     case kNoiseIndex:
       g_value_set_string(
           value, settings.noise_index ? std::to_string(*settings.noise_index).c_str() : "auto");
+      break;
+    case kAmount:
+      g_value_set_int(value, settings.amount);
       break;
     case kTuning:
       g_value_set_string(value, settings.tuning ? settings.tuning->c_str() : nullptr);
@@ -180,8 +186,7 @@ GstFlowReturn transform_frame_ip(GstVideoFilter* filter, GstVideoFrame* video) {
   }
   if (estimate_again) element->state->denoiser->forget_estimate();
   vorel_frame_info info{};
-  const vorel_status status =
-      element->state->denoiser->process(describe(video), settings.noise_index, &info);
+  const vorel_status status = element->state->denoiser->process(describe(video), settings, &info);
   GST_LOG_OBJECT(element, "noise index %d, %s, %" G_GINT64_FORMAT " us", info.noise_index,
                  vorel_status_text(status), static_cast<gint64>(info.total_usec));
   report(element, status);
@@ -220,6 +225,12 @@ void add_properties(GObjectClass* object_class) {
                           "How noisy the frames are, on the scale of the tuning: a whole number "
                           "from 0, or auto to estimate it from the frames",
                           "auto", live));
+  g_object_class_install_property(
+      object_class, kAmount,
+      g_param_spec_int("amount", "Amount",
+                       "How much of the change is kept, in percent; 0: as noise-index=auto finds, "
+                       "all with a number",
+                       0, 100, 0, live));
   g_object_class_install_property(
       object_class, kTuning,
       g_param_spec_string("tuning", "Tuning",

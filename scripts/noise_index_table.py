@@ -7,8 +7,8 @@ picture serves thrice: scaled to 960 pixels, as a part of its full size, and in 
 camera takes (camera_pictures.py). Drawn charts are added.
 Prints Markdown tables of the chroma PSNR (mean of U and V, dB) with nothing done, with the estimated
 index and with the best single one. With --fit it also prints the chromaNoise_values that suit the
-tuning best, the weights of tools/measure/noise_verdict.cpp, how far doubt lowers the index, and how
-good the first two are on pictures that were held out. Needs python3-numpy and python3-pil
+tuning best, the weights of tools/measure/noise_verdict.cpp, how much it should take at which doubt, and
+how good the first two are on pictures that were held out. Needs python3-numpy and python3-pil
 (scripts/setup.sh measure).
 
     scripts/noise_index_table.py BUILD_DIR PICTURE... [--tuning FILE] [--gains 1 4 16 64] [--fit]
@@ -40,7 +40,8 @@ CAMERAS = 5  # that take each part of a picture
 WEIGHTS = [-2.34, -1.28, 1.72, -.80, .46, -1.05, 3.55, 3.70, 5.88, 17.3, -1.70]
 CREDIT, STRONG = .7, .6  # estimates as strong are doubted less
 LEVELS = [.11, .23, .32, .46, .65, .97, 1.68, 2.64]  # estimates that belong to 100, 200, ..., 12800
-LOWERING = -3, 1  # from this doubt on the index is lowered, by so many octaves for each 1
+TAKING = .5, 2  # the doubt at which half of a change is kept, and how far from it a quarter less is
+LEAST_TAKEN, ALL_TAKEN = .2, .95
 CAUTION = 1.35  # the odds of harm at which a picture is left alone, a logarithm
 CLEAN_WEIGHT = 4  # there are four gains to each clean picture
 
@@ -145,23 +146,33 @@ class Library:
         for call in (self.library.vorel_release_frame_buffers, self.library.vorel_deinit):
             call.argtypes = [ctypes.c_void_p]
 
-    def errors(self, planes, truth):
-        """Mean squared errors of U and V: untouched, then for each index."""
+    def errors(self, planes, truth, strength):
+        """Mean squared errors of U and V: untouched, then for each index; mean squared changes of
+        each index; and the errors with `strength`, an index and what is kept of its change."""
         luma, u, v = planes
         height, width = luma.shape
         frame = np.concatenate([luma.ravel(), np.stack([v, u], -1).ravel()])
+        truth = np.stack(truth[:0:-1], -1)
+        before = frame[width * height:].reshape(height // 2, width // 2, 2).astype(float)
         handle = self.library.vorel_init(width, height, 0, 0)
-        result = []
-        for index in [None] + INDICES:
+
+        def denoised(index):
             out = frame.copy()
-            if index is not None:
-                start = out.ctypes.data
-                self.library.vorel_run(handle, start, start + width * height, width, height, NV21, index)
-                self.library.vorel_release_frame_buffers(handle)
-            vu = out[width * height:].reshape(height // 2, width // 2, 2).astype(float)
-            result.append([((vu[..., 1 - i] - truth[1 + i]) ** 2).mean() for i in (0, 1)])
+            start = out.ctypes.data
+            self.library.vorel_run(handle, start, start + width * height, width, height, NV21, index)
+            self.library.vorel_release_frame_buffers(handle)
+            return out[width * height:].reshape(before.shape).astype(float)
+
+        def squares(difference):
+            return np.square(difference).mean((0, 1))[::-1].tolist()
+
+        results = [denoised(index) for index in INDICES]
+        index, percent = strength
+        change = (denoised(index) - before) * percent / 100
+        kept = before + np.sign(change) * np.floor(np.abs(change) + .5)
         self.library.vorel_deinit(handle)
-        return result
+        return ([squares(vu - truth) for vu in [before] + results], [squares(vu - before) for vu in results],
+                squares(kept - truth))
 
 
 class Measurement:
@@ -177,10 +188,13 @@ class Measurement:
         np.concatenate([planes[0].ravel(), np.stack(planes[:0:-1], -1).ravel()]).tofile(raw)
         found = json.loads(subprocess.run([self.vorel, "measure", raw, "--json", "--tuning", self.tuning],
                                           check=True, capture_output=True).stdout)["pictures"][0]
-        errors = self.library.errors(planes, [plane.astype(float) for plane in truth])
+        strength = found["noise_index"] or 0, found["percent"] or 0
+        truth = [plane.astype(float) for plane in truth]
+        errors, changes, kept = self.library.errors(planes, truth, strength)
         self.rows.append({"name": self.name, "form": self.form, "kind": kind, "gain": gain,
-                          "estimate": found["estimate"], "index": found["noise_index"] or 0,
-                          "trial": found["trial"], "errors": errors})
+                          "estimate": found["estimate"], "index": strength[0],
+                          "percent": strength[1], "trial": found["trial"], "errors": errors,
+                          "changes": changes, "kept": kept})
 
     def add_camera(self, path):
         image, rng = Image.open(path).convert("RGB"), np.random.default_rng(zlib.crc32(self.name.encode()))
@@ -228,30 +242,36 @@ def features(rows):
     return np.array([of(row["trial"]) if row["trial"] else [0] * len(WEIGHTS) for row in rows])
 
 
+def psnr(errors):
+    """Mean of both planes."""
+    return 10 * np.log10(255 ** 2 / np.maximum(errors, LEAST_ERROR)).mean(-1)
+
+
 class Results:
     def __init__(self, rows):
         self.rows = rows
-        errors = np.maximum([row["errors"] for row in rows], LEAST_ERROR)
-        self.psnr = 10 * np.log10(255 ** 2 / errors).mean(2)
+        self.errors = np.array([row["errors"] for row in rows])
+        self.changes = np.array([row["changes"] for row in rows])
+        self.psnr = psnr(self.errors)
+        self.estimated = psnr(np.array([row["kept"] for row in rows]))
         self.best = self.psnr.max(1)
         self.clean = np.array([row["gain"] == 0 for row in rows])
         self.drawn = np.array([row["form"] == "drawn" for row in rows])
         self.estimate = np.array([row["estimate"] or 1e-3 for row in rows])
         self.camera = np.array([row["form"] == "camera" for row in rows])
-        self.lowering = LOWERING
+        self.taking = TAKING
         self.tried = np.array([row["trial"] is not None for row in rows])
         self.doubt = np.array([row["trial"]["doubt"] if row["trial"] else 0 for row in rows])
 
-    def at(self, octaves):
-        """With the index 100 * 2 ^ octaves; below 0 nothing is done."""
+    def at(self, octaves, kept=1):
+        """With the index 100 * 2 ^ octaves, of whose change a share is kept, not rounded."""
         place = np.clip(2 * octaves, 0, len(INDICES) - 1)
         below = np.minimum(place.astype(int), len(INDICES) - 2)
-        rows, share = np.arange(len(self.rows)), place - below
-        done = self.psnr[rows, 1 + below] * (1 - share) + self.psnr[rows, 2 + below] * share
-        return np.where(octaves < 0, self.psnr[:, 0], done)
-
-    def estimated(self):
-        return self.at(np.log2(np.maximum([row["index"] for row in self.rows], 1) / 100))
+        rows, above = np.arange(len(self.rows)), (place - below)[:, None]
+        error = self.errors[rows, 1 + below] * (1 - above) + self.errors[rows, 2 + below] * above
+        change = self.changes[rows, below] * (1 - above) + self.changes[rows, below + 1] * above
+        untouched, kept = self.errors[:, 0], np.broadcast_to(kept, len(rows))[:, None]
+        return psnr(untouched - kept * (untouched + change - error) + kept ** 2 * change)
 
     def line(self, label, which, auto):
         gap, harm = (self.best - auto)[which], (self.psnr[:, 0] - auto)[which]
@@ -260,7 +280,7 @@ class Results:
               f"{(harm > .1).sum()} | {max(harm.max(), 0):.1f} |")
 
     def tables(self):
-        auto = self.estimated()
+        auto = self.estimated
         kinds = list(KINDS) + ["half size"]
         print("| noise, gain | pictures | nothing | auto | best | short of best: mean | worst | "
               "below nothing by 0.1 | worst |\n|---" + 8 * "|---:" + "|")
@@ -280,34 +300,35 @@ class Results:
         for kind in ("as made", "JPEG 90"):
             self.line(f"no noise, {kind}", self.clean & ~self.drawn & [r["kind"] == kind for r in self.rows],
                       auto)
-        print("\nWorst:\n\n| picture | gain | index | best | nothing | auto | best |\n|---" + 6 * "|---:" + "|")
+        print("\nWorst:\n\n| picture | gain | index | kept, % | best | nothing | auto | best |\n|---" + 7 * "|---:" + "|")
         worth = np.where(self.clean, -9, np.maximum(.4 * (self.best - auto), self.psnr[:, 0] - auto))
         for i in np.argsort(-worth)[:12]:
             row = self.rows[i]
             best = ([0] + INDICES)[self.psnr[i].argmax()]
-            print(f"| {row['name']}, {row['form']}, {row['kind']} | {row['gain']:.0f} | {row['index']} | {best} | "
-                  f"{self.psnr[i, 0]:.1f} | {auto[i]:.1f} | {self.best[i]:.1f} |")
+            print(f"| {row['name']}, {row['form']}, {row['kind']} | {row['gain']:.0f} | {row['index']} | "
+                  f"{row['percent']} | {best} | {self.psnr[i, 0]:.1f} | {auto[i]:.1f} | {self.best[i]:.1f} |")
 
     # What the values below should make small: the mean distance from the best index, harm four times
     # as much, and what is done to clean pictures beyond 46 dB.
-    def price(self, octaves):
-        psnr = self.at(octaves)
-        harm = np.clip(self.psnr[:, 0] - psnr - .05, 0, 2.5)
-        price = np.minimum(self.best - psnr, 4) + 4 * harm
-        price = np.where(self.clean, np.clip(46 - psnr, 0, 8) / 4 * (octaves >= 0), price)
+    def price(self, octaves, kept):
+        result = self.at(octaves, kept)
+        harm = np.clip(self.psnr[:, 0] - result - .05, 0, 2.5)
+        price = np.minimum(self.best - result, 4) + 4 * harm
+        price = np.where(self.clean, np.clip(46 - result, 0, 8) / 4 * (kept > 0), price)
         return np.where(self.drawn, .4, 1) * price
 
-    def octaves(self, values):
-        """`values` are the logarithms of the estimates at index 100, 200, ..., 12800."""
-        lowered_from, lowering = self.lowering
+    def strength(self, values):
+        """Octaves above 100, and what is kept; `values` are the logarithms of the estimates at index
+        100, 200, ..., 12800."""
         noise = np.log2(np.maximum(self.estimate, 1e-3))
-        index = np.interp(noise, values, np.arange(len(values)))  # at least the first level's
-        lowered = index - lowering * np.maximum(self.doubt - lowered_from, 0)
-        return np.where(self.tried & (self.doubt < 0), np.maximum(lowered, 0), -1)
+        halving, spread = self.taking
+        kept = 1 / (1 + np.exp((self.doubt - halving) / spread))
+        kept = np.where(kept > ALL_TAKEN, 1, np.where(self.tried & (kept >= LEAST_TAKEN), kept, 0))
+        return np.interp(noise, values, np.arange(len(values))), kept  # at least the first level's
 
     def fit(self, which):
         values, step = np.log2(LEVELS), .3
-        price = lambda v: self.price(self.octaves(v))[which].mean() + .02 * np.square(np.diff(v, 2)).sum()
+        price = lambda v: self.price(*self.strength(v))[which].mean() + .02 * np.square(np.diff(v, 2)).sum()
         least = price(values)
         for _ in range(9):
             for i in range(len(values)):
@@ -324,7 +345,7 @@ class Results:
         grainy = self.clean & np.isin([row["name"] for row in self.rows], GRAINY)
         which = which & self.tried & ~self.drawn & ~self.camera & ~grainy
         place = np.log2([t["noise_index"] / 100 if t else 1 for t in (r["trial"] for r in self.rows)])
-        harm = self.psnr[:, 0] - self.at(np.maximum(place, 0))
+        harm = self.psnr[:, 0] - self.at(place)
         x, y = features(self.rows)[which], harm[which] > .03
         weight = np.clip(np.abs(harm[which]), .1, 1.5) * np.where(self.clean[which], CLEAN_WEIGHT, 1)
         scale = np.append(x[:, :-1].std(0), 1)
@@ -337,33 +358,34 @@ class Results:
         w[-1] += CAUTION
         return w / scale
 
-    def fit_lowering(self):
-        """From which doubt on the index should be lowered, and by how many octaves for each 1."""
-        def price(lowering):
-            self.lowering = lowering
-            return self.price(self.octaves(np.log2(LEVELS))).mean()
-        choices = [(start, slope) for start in np.arange(-6, -1.9, .2) for slope in (.25, .5, .75, 1)]
+    def fit_taking(self):
+        """The doubt that halves what is kept, and the spread about it."""
+        def price(taking):
+            self.taking = taking
+            return self.price(*self.strength(np.log2(LEVELS))).mean()
+        choices = [(halving, spread) for halving in np.arange(-2, 2.1, .25)
+                   for spread in (.5, .75, 1, 1.5, 2, 3)]
         best = min(choices, key=price)
-        self.lowering = LOWERING
+        self.taking = TAKING
         return best
 
     def print_fit(self):
         names = sorted({row["name"] for row in self.rows})
         fold = np.array([names.index(row["name"]) % FOLDS for row in self.rows])
-        octaves, x, before = np.zeros(len(self.rows)), features(self.rows), self.doubt
+        result, x, before = self.psnr[:, 0].copy(), features(self.rows), self.doubt
         credit = CREDIT * (self.estimate > STRONG)
         beyond = (before >= 0) & (x @ WEIGHTS - credit < 0)  # by a bound, not by the weights
         for i in range(FOLDS):
             self.doubt = np.where(beyond, 1, x @ self.fit_doubt(fold != i) - credit)
-            octaves[fold == i] = self.octaves(self.fit(fold != i))[fold == i]
+            result[fold == i] = self.at(*self.strength(self.fit(fold != i)))[fold == i]
         self.doubt = before
         which = ~self.clean & ~self.drawn
-        gap, harm = (self.best - self.at(octaves))[which], (self.psnr[:, 0] - self.at(octaves))[which]
+        gap, harm = (self.best - result)[which], (self.psnr[:, 0] - result)[which]
         print(f"\nheld out: {gap.mean():.2f} dB short of the best index, {(harm > .1).sum()} of "
               f"{which.sum()} more than 0.1 dB below nothing (worst {harm.max():.1f})")
         print('"chromaNoise_values":', [round(float(v), 2) for v in 2 ** self.fit(fold >= 0)])
         print("weights of doubt:", self.fit_doubt(fold >= 0).round(2))
-        print("the index is lowered from doubt %.1f on, by %.2f octaves for each 1" % self.fit_lowering())
+        print("half is kept at doubt %.2f, with a spread of %.2f" % self.fit_taking())
 
 
 def main():

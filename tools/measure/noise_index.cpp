@@ -16,10 +16,6 @@ constexpr int kFramesPerTrial = 32;
 // An index that is a smaller part of the first level's belongs to a clean frame.
 constexpr int kCleanPart = 8;
 
-// Beyond this doubt the index is halved for each 1 of it: a weak index takes most of weak noise and
-// little of the texture under it. From pictures whose clean form is known (docs/noise-index.md).
-constexpr double kDoubtThatLowers = -3;
-
 }  // namespace
 
 NoiseCalibration sample_calibration() {
@@ -51,22 +47,21 @@ std::optional<int> index_to_try(double chroma_noise, const NoiseCalibration& cal
   return std::max(index, first);
 }
 
-int index_after_trial(int tried, double doubt, const NoiseCalibration& calibration) {
-  if (doubt >= 0) return 0;
-  const double lowered = tried * std::exp2(std::min(kDoubtThatLowers - doubt, 0.0));
-  return std::max(static_cast<int>(lowered), calibration.front().noise_index);
+Strength strength_after_trial(int tried, double doubt) {
+  const int percent = percent_to_take(doubt);
+  return percent > 0 ? Strength{tried, percent} : Strength{};
 }
 
-std::optional<int> NoiseIndexTracker::next(const FrameView& frame, const TryIndex& try_index) {
+std::optional<Strength> NoiseIndexTracker::next(const FrameView& frame, const TryIndex& try_index) {
   if (const std::optional<double> noise = estimate_chroma_noise(frame)) {
     const double level = std::log(std::max(*noise, kLeastNoise));
     level_ = level_ ? *level_ + kSmoothing * (level - *level_) : level;
   }
   if (!level_) return std::nullopt;
   const std::optional<int> index = index_to_try(std::exp(*level_), calibration_);
-  if (!index) return noise_index_for(std::exp(*level_), calibration_);
+  if (!index) return Strength{noise_index_for(std::exp(*level_), calibration_)};
   if (--frames_until_trial_ < 0) judge(frame, *index, try_index);
-  return doubt_ ? index_after_trial(*index, *doubt_, calibration_) : *index;
+  return doubt_ ? strength_after_trial(*index, *doubt_) : Strength{*index};
 }
 
 void NoiseIndexTracker::judge(const FrameView& frame, int noise_index, const TryIndex& try_index) {
@@ -76,7 +71,7 @@ void NoiseIndexTracker::judge(const FrameView& frame, int noise_index, const Try
   frames_until_trial_ = kFramesPerTrial - 1;
   const double now = doubt(*noise, *removal);
   doubt_ = doubt_ ? *doubt_ + kDoubtSmoothing * (now - *doubt_) : now;
-  refused_ = *doubt_ < 0 ? std::nullopt : std::optional(noise_index);
+  refused_ = percent_to_take(*doubt_) > 0 ? std::nullopt : std::optional(noise_index);
 }
 
 }  // namespace tool

@@ -42,12 +42,17 @@ using TryIndex = std::function<std::optional<Removal>(int noise_index)>;
 [[nodiscard]] std::optional<int> index_to_try(double chroma_noise,
                                               const NoiseCalibration& calibration);
 
-// What is used of an index that was tried: all of it where the removal is noise without doubt, less
-// the greater the doubt, but at least the first level's. 0 where it is better left
-// (noise_verdict.h).
-[[nodiscard]] int index_after_trial(int tried, double doubt, const NoiseCalibration& calibration);
+// What a frame is denoised with. An index of 0 leaves it as it is.
+struct Strength {
+  int noise_index = 0;
+  int percent = 100;  // of the change that is kept
+  bool operator==(const Strength&) const = default;
+};
 
-// The noise index of a video's frames one after the other. Every frame is measured, because a
+// Of an index that was tried.
+[[nodiscard]] Strength strength_after_trial(int tried, double doubt);
+
+// The strength for a video's frames one after the other. Every frame is measured, because a
 // camera changes its gain in mid-shot, and the estimates are smoothed over about eight frames,
 // because denoising that is now stronger and now weaker flickers. Whether it is noise at all is
 // tried on the first frame and then about once a second, smoothed too.
@@ -56,8 +61,8 @@ class NoiseIndexTracker {
   explicit NoiseIndexTracker(NoiseCalibration calibration) : calibration_(std::move(calibration)) {}
 
   // Nothing as long as no frame had enough blocks that show noise; later the last index holds.
-  // 0 where denoising would remove texture.
-  std::optional<int> next(const FrameView& frame, const TryIndex& try_index);
+  // An index of 0 where denoising would remove texture.
+  std::optional<Strength> next(const FrameView& frame, const TryIndex& try_index);
 
   // The last one whose removal was too much like texture; nothing while it looks like noise.
   [[nodiscard]] std::optional<int> refused() const { return refused_; }

@@ -19,6 +19,13 @@ constexpr double kCreditOfStrong = 0.7;
 constexpr double kPurityFloor = 0.05;  // as far as rounding to whole steps leaves it in doubt
 constexpr double kAlongLumaFloor = 0.02;
 
+// Half of a removal does a quarter of its harm and three quarters of its good. From pictures whose
+// clean form is known (docs/noise-index.md).
+constexpr double kDoubtThatHalves = 0.5;
+constexpr double kSpread = 2;
+constexpr int kLeastPercent = 20;  // less hardly changes a sample
+constexpr int kMostPercent = 95;   // more is all of it
+
 }  // namespace
 
 // Weights of a logistic regression: scripts/noise_index_table.py --fit prints them.
@@ -31,6 +38,12 @@ double doubt(const ChromaNoise& noise, const Removal& removal) {
       5.88 * removal.untouched + 17.3 * removal.pattern.directed;
   const bool beyond_noise = noise.bend > kMostBend || removal.pattern.repeated > kMostRepeated;
   return beyond_noise ? std::max(sum, kLeastDoubtBeyond) : sum;
+}
+
+int percent_to_take(double doubt) {
+  const double share = 1 / (1 + std::exp((doubt - kDoubtThatHalves) / kSpread));
+  const auto percent = static_cast<int>(std::lround(100 * share));
+  return percent < kLeastPercent ? 0 : percent > kMostPercent ? 100 : percent;
 }
 
 }  // namespace tool

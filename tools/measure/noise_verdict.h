@@ -12,10 +12,14 @@
 
 namespace tool {
 
-// Below 0 it is noise, the more surely the lower; from 0 on it is better left. The logarithm of the
+// Below 0 it is noise, the more surely the lower; above 0 rather texture. The logarithm of the
 // odds, up to an offset, that the removal did harm to pictures whose clean form is known
 // (docs/noise-index.md).
 [[nodiscard]] double doubt(const ChromaNoise& noise, const Removal& removal);
+
+// How much of the removal should be taken, 0 to 100 percent: nearly all below a doubt of -5, and
+// the less the greater the doubt.
+[[nodiscard]] int percent_to_take(double doubt);
 
 }  // namespace tool
 

@@ -8,6 +8,7 @@
 #include "tools/files/bounded_queue.h"
 #include "tools/files/failure.h"
 #include "tools/files/input_file.h"
+#include "tools/measure/partial_removal.h"
 #include "tools/pictures/colour.h"
 #include "tools/pictures/side_by_side.h"
 #include "tools/verbs/progress_bar.h"
@@ -25,7 +26,7 @@ struct Frame {
   Picture picture;
   Nv21Frame before;
   Nv21Frame after;
-  int noise_index;
+  Strength strength;
   bool unchanged = false;
 };
 
@@ -73,10 +74,9 @@ class DenoiseRun {
     try {
       while (std::optional<Picture> picture = input_->next()) {
         Nv21Frame before = as_nv21(*picture, input_->colour());
-        const int noise_index = noise_index_.next(*picture, before);
+        const Strength strength = noise_index_.next(*picture, before);
         Nv21Frame after = before;
-        if (!to_work_.push(
-                {std::move(*picture), std::move(before), std::move(after), noise_index})) {
+        if (!to_work_.push({std::move(*picture), std::move(before), std::move(after), strength})) {
           break;
         }
       }
@@ -133,9 +133,10 @@ class DenoiseRun {
     const Size size{frame.before.width, frame.before.height};
     if (!engine_) start(size);
     const vorel_frame_info report =
-        engine_->process(frame.after, options_.separate_planes, frame.noise_index);
+        engine_->process(frame.after, options_.separate_planes, frame.strength.noise_index);
+    if (frame.strength.percent < 100) keep_part(frame);
     ++summary_.frames;
-    summary_.noise_index = frame.noise_index;
+    summary_.strength = frame.strength;
     summary_.milliseconds += static_cast<double>(report.total_usec) / 1000.0;
     if (report.dumps_failed > dump_trouble_.dumps_failed) dump_trouble_ = report;
     if (report.status == VOREL_BELOW_GATE) {
@@ -144,6 +145,13 @@ class DenoiseRun {
     }
     frame.unchanged = report.status == VOREL_BELOW_GATE || frame.after.data == frame.before.data;
     if (summary_.frames == 1 && (compare_ || truth_ || options_.page)) compare(frame);
+  }
+
+  static void keep_part(Frame& frame) {
+    const auto stride = static_cast<size_t>(frame.after.chroma_stride());
+    keep_part_of_change(
+        frame.before.vu(), stride, frame.strength.percent,
+        {frame.after.vu(), stride, stride, static_cast<size_t>(frame.after.chroma_height())});
   }
 
   void start(Size size) {

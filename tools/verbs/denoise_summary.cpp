@@ -36,7 +36,7 @@ std::string plane_text(const char* name, const ChangeCount::Plane& plane) {
 
 std::string change_text(const DenoiseSummary& summary) {
   if (summary.skipped_frames == summary.frames) {
-    return "nothing: noise index " + std::to_string(summary.noise_index) +
+    return "nothing: noise index " + std::to_string(summary.strength.noise_index) +
            " is below the tuning's enableNoiseIndex " + std::to_string(summary.enable_noise_index);
   }
   const ChangeCount& change = summary.change;
@@ -88,7 +88,8 @@ json_t* summary_object(const DenoiseSummary& summary) {
   set("tuning", json_text(summary.tuning));
   set("tuning_date", json_text(summary.tuning_date));
   set("sensor", json_text(summary.sensor));
-  set("noise_index", json_integer(summary.noise_index));
+  set("noise_index", json_integer(summary.strength.noise_index));
+  set("percent", json_integer(summary.strength.percent));
   set("noise_index_source", json_text(summary.noise_index_text));
   set("width", json_integer(summary.size.width));
   set("height", json_integer(summary.size.height));

@@ -9,6 +9,7 @@
 
 #include "tools/measure/distance_table.h"
 #include "tools/measure/metrics.h"
+#include "tools/measure/noise_index.h"
 #include "tools/pictures/picture.h"
 #include "tools/report/page.h"
 
@@ -24,7 +25,7 @@ struct DenoiseSummary {
   Size size{};
   int frames = 0;
   int skipped_frames = 0;
-  int noise_index = 0;         // of the last frame
+  Strength strength;           // of the last frame
   int enable_noise_index = 0;  // of the tuning, when frames were skipped
   double milliseconds = 0.0;   // of all frames
   ChangeCount change;

@@ -38,6 +38,10 @@ Verb add_denoise_verb(CLI::App& app) {
   add_output(verb, options->output,
              "file, folder, name with {name} in it, or - for standard output");
   add_noise_index(verb, options->noise_index);
+  verb.add_option("--amount", options->noise_index.percent,
+                  "how much of the change is kept, in percent (default: as auto finds, else 100)")
+      ->option_text("1-100")
+      ->check(whole_number(1, 100));
   add_tuning(verb, options->tuning);
   verb.add_flag("--no-spatial", options->tuning.no_spatial, "switch the spatial path off");
   verb.add_flag("--no-wavelet", options->tuning.no_wavelet, "switch the wavelet path off");

@@ -32,7 +32,7 @@ struct Measured {
   Size size;
   std::optional<NoiseByScale> luma;
   std::optional<ChromaNoise> chroma;  // first is V: frames are NV21
-  std::optional<int> noise_index;
+  std::optional<Strength> strength;
   std::optional<IndexTrial> trial;
   std::optional<int> iso;
   std::optional<PatchPlanes> patch;
@@ -49,11 +49,11 @@ Measured measure(const std::string& path, const MeasureOptions& options,
       picture->size(), measure_luma_noise(view), measure_chroma_noise(view), {}, {}, {}, {}};
   if (measured.chroma) {
     const double estimate = measured.chroma->estimate;
-    measured.noise_index = noise_index_for(estimate, calibration);
+    measured.strength = Strength{noise_index_for(estimate, calibration)};
     if (const std::optional<int> tried = index_to_try(estimate, calibration)) {
       const Removal removal = try_noise_index(frame, *tried, settings);
       measured.trial = IndexTrial{*tried, removal, doubt(*measured.chroma, removal)};
-      measured.noise_index = index_after_trial(*tried, measured.trial->doubt, calibration);
+      measured.strength = strength_after_trial(*tried, measured.trial->doubt);
     }
   }
   measured.iso = exif_iso(picture->metadata.exif);
@@ -71,9 +71,9 @@ void print_scales(const char* plane, const NoiseByScale& noise) {
 void print_trial(const ChromaNoise& noise, const IndexTrial& trial) {
   const Removal& removal = trial.removal;
   std::printf("  %-14s%8d%s\n", "tried index", trial.noise_index,
-              trial.doubt < 0 ? "" : ": could remove texture");
-  std::printf("    %-12s%8.2f  (below 0: noise; near 0 the index is lowered)\n", "doubt",
-              trial.doubt);
+              percent_to_take(trial.doubt) > 0 ? "" : ": could remove texture");
+  std::printf("    %-12s%8.2f  (below 0 noise, above 0 rather texture: %d %% is taken)\n", "doubt",
+              trial.doubt, percent_to_take(trial.doubt));
   std::printf(
       "    %-12s%8.2f  mean square; %.0f %% follows luma, %.0f %% of the chroma untouched\n",
       "removed", removal.energy, 100 * removal.along_luma, 100 * removal.untouched);
@@ -115,8 +115,11 @@ void print(const std::string& path, const Measured& measured) {
     print_scales("U", measured.chroma->second);
     print_scales("V", measured.chroma->first);
     std::printf("  %-14s%8.2f\n", "estimate", measured.chroma->estimate);
-    std::printf("  %-14s%8d%s\n", "noise index", *measured.noise_index,
-                iso.empty() ? "" : (" (" + iso + ")").c_str());
+    const Strength strength = *measured.strength;
+    std::printf(
+        "  %-14s%8d%s%s\n", "noise index", strength.noise_index,
+        strength.percent < 100 ? (" at " + std::to_string(strength.percent) + " %").c_str() : "",
+        iso.empty() ? "" : (" (" + iso + ")").c_str());
     if (measured.trial) print_trial(*measured.chroma, *measured.trial);
   } else {
     std::printf(
@@ -143,16 +146,19 @@ json_t* patch_json(const PatchNoise& noise) {
 
 json_t* picture_json(const std::string& path, const Measured& measured) {
   const std::optional<ChromaNoise>& chroma = measured.chroma;
+  const std::optional<Strength>& strength = measured.strength;
   const auto whole = [](const std::optional<int>& number) {
     return number ? json_integer(*number) : json_null();
   };
   json_t* json = json_pack(
-      "{s:s%,s:i,s:i,s:o,s:o,s:o,s:o,s:o,s:o}", "file", path.data(), path.size(), "width",
+      "{s:s%,s:i,s:i,s:o,s:o,s:o,s:o,s:o,s:o,s:o}", "file", path.data(), path.size(), "width",
       measured.size.width, "height", measured.size.height, "y", scales_json(measured.luma), "u",
       scales_json(chroma ? std::optional(chroma->second) : std::nullopt), "v",
       scales_json(chroma ? std::optional(chroma->first) : std::nullopt), "estimate",
       chroma ? json_real(chroma->estimate) : json_null(), "noise_index",
-      whole(measured.noise_index), "exif_iso", whole(measured.iso));
+      whole(strength ? std::optional(strength->noise_index) : std::nullopt), "percent",
+      whole(strength ? std::optional(strength->percent) : std::nullopt), "exif_iso",
+      whole(measured.iso));
   json_object_set_new(json, "trial", chroma ? trial_json(*chroma, measured.trial) : json_null());
   if (measured.patch) {
     json_object_set_new(

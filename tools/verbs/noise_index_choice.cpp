@@ -9,40 +9,53 @@
 
 namespace tool {
 
+namespace {
+
+std::string range_text(int least, int most) {
+  const std::string text = std::to_string(least);
+  return least == most ? text : text + " to " + std::to_string(most);
+}
+
+}  // namespace
+
 NoiseCalibration calibration_for(const std::string& tuning_text) {
   return calibration_of(tuning_text).value_or(sample_calibration());
 }
 
-int NoiseIndexChoice::next(const Picture& picture, const Nv21Frame& frame) {
+Strength NoiseIndexChoice::next(const Picture& picture, const Nv21Frame& frame) {
   if (frames_ == 0) iso_ = exif_iso(picture.metadata.exif);
-  const int index = choose(frame);
-  least_ = frames_ == 0 ? index : std::min(least_, index);
-  most_ = frames_ == 0 ? index : std::max(most_, index);
+  Strength strength = choose(frame);
+  strength.percent = request_.percent.value_or(strength.percent);
+  if (frames_ == 0) least_ = most_ = strength;
+  least_ = {std::min(least_.noise_index, strength.noise_index),
+            std::min(least_.percent, strength.percent)};
+  most_ = {std::max(most_.noise_index, strength.noise_index),
+           std::max(most_.percent, strength.percent)};
   ++frames_;
-  return index;
+  return strength;
 }
 
-int NoiseIndexChoice::choose(const Nv21Frame& frame) {
+Strength NoiseIndexChoice::choose(const Nv21Frame& frame) {
   switch (request_.source) {
     case NoiseIndexRequest::Source::kNumber:
-      return request_.number;
+      return {request_.number};
     case NoiseIndexRequest::Source::kExif:
-      if (iso_) return *iso_;
+      if (iso_) return {*iso_};
       throw input_error(path_,
                         "has no ISO sensitivity in its Exif data; give --noise-index a number "
                         "or auto");
     case NoiseIndexRequest::Source::kEstimate:
       break;
   }
-  const std::optional<int> index = tracker_.next(
+  const std::optional<Strength> found = tracker_.next(
       view_of(frame), [&](int tried) { return try_noise_index(frame, tried, settings_, calls_); });
-  estimated_ = estimated_ || index;
-  return index.value_or(0);
+  estimated_ = estimated_ || found;
+  return found.value_or(Strength{});
 }
 
 std::string NoiseIndexChoice::text() const {
-  std::string text = std::to_string(least_);
-  if (most_ != least_) text += " to " + std::to_string(most_);
+  std::string text = range_text(least_.noise_index, most_.noise_index);
+  if (least_.percent < 100) text += " at " + range_text(least_.percent, most_.percent) + " %";
   switch (request_.source) {
     case NoiseIndexRequest::Source::kNumber:
       return text;

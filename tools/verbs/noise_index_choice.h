@@ -15,6 +15,7 @@ struct NoiseIndexRequest {
   enum class Source { kEstimate, kExif, kNumber };
   Source source = Source::kEstimate;
   int number = 0;
+  std::optional<int> percent{};  // of the change that is kept; nothing: as estimated, else all
 };
 
 // The calibration of a tuning's text, or the sample's.
@@ -32,15 +33,16 @@ class NoiseIndexChoice {
         calls_(calls),
         tracker_(calibration_for(settings_.tuning)) {}
 
-  // `frame` holds the picture's pixels. Frames that nothing can be told about get 0. Throws an
-  // input error when Exif's number is asked for and missing.
-  int next(const Picture& picture, const Nv21Frame& frame);
+  // `frame` holds the picture's pixels. Frames that nothing can be told about get index 0. Throws
+  // an input error when Exif's number is asked for and missing.
+  Strength next(const Picture& picture, const Nv21Frame& frame);
 
-  // For the user: the index, or least and largest, and where it comes from.
+  // For the user: the index and, unless it is all, the percentage that is kept, or least and
+  // largest of both, and where they come from.
   [[nodiscard]] std::string text() const;
 
  private:
-  int choose(const Nv21Frame& frame);
+  Strength choose(const Nv21Frame& frame);
 
   NoiseIndexRequest request_;
   std::string path_;
@@ -49,8 +51,8 @@ class NoiseIndexChoice {
   NoiseIndexTracker tracker_;
   std::optional<int> iso_;  // of the first picture
   int frames_ = 0;
-  int least_ = 0;
-  int most_ = 0;
+  Strength least_;
+  Strength most_;
   bool estimated_ = false;
 };
 

@@ -46,9 +46,11 @@ class Sweep {
       }
     }
     before_ = read_frame(options.picture, options.read, picture_);
-    NoiseIndexChoice choice(options.noise_index, options.picture,
-                            {{}, options.tuning.sensor, tuning_.text, {}}, {});
-    noise_index_ = choice.next(picture_, before_);
+    NoiseIndexRequest request = options.noise_index;
+    request.percent = 100;  // values are told apart by all that they do
+    NoiseIndexChoice choice(request, options.picture, {{}, options.tuning.sensor, tuning_.text, {}},
+                            {});
+    noise_index_ = choice.next(picture_, before_).noise_index;
     noise_index_text_ = choice.text();
     if (options.truth) read_truth();
     if (options.crop) check_crop(*options.crop);

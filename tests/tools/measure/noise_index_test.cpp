@@ -9,6 +9,7 @@
 #include "tests/tools/run_command.h"
 #include "tools/measure/frame_view.h"
 #include "tools/measure/noise_verdict.h"
+#include "tools/measure/partial_removal.h"
 #include "tools/measure/patch_noise.h"
 #include "tools/pictures/noise_model.h"
 #include "tools/verbs/trial_run.h"
@@ -18,6 +19,7 @@ namespace {
 using tool::ChromaNoise;
 using tool::NoiseCalibration;
 using tool::Nv21Frame;
+using tool::Strength;
 
 constexpr int kWidth = 512;
 constexpr int kHeight = 384;
@@ -190,18 +192,18 @@ TEST(NoiseIndex, FollowsAVideoSmoothly) {
   tool::NoiseIndexTracker alone(tool::sample_calibration());
   tool::NoiseIndexTracker tracker(tool::sample_calibration());
   EXPECT_EQ(tracker.next(view_of(black), trial), std::nullopt);
-  const std::optional<int> first = tracker.next(view_of(weak), trial);
-  const std::optional<int> end = alone.next(view_of(strong), trial);
+  const std::optional<Strength> first = tracker.next(view_of(weak), trial);
+  const std::optional<Strength> end = alone.next(view_of(strong), trial);
   ASSERT_TRUE(first && end);
   EXPECT_EQ(tracker.next(view_of(black), trial), first) << "holds where nothing can be measured";
-  int before = *first;
+  int before = first->noise_index;
   for (int frame = 0; frame < 40; ++frame) {
-    const int index = *tracker.next(view_of(strong), trial);
+    const int index = tracker.next(view_of(strong), trial)->noise_index;
     EXPECT_GT(index, before - 1);
     EXPECT_LT(index, before * 1.6) << "no jump";
     before = index;
   }
-  EXPECT_NEAR(before, *end, 0.05 * *end);
+  EXPECT_NEAR(before, end->noise_index, 0.05 * end->noise_index);
 }
 
 TEST(NoiseIndex, IsTriedNowAndThenAndGivenUpOnlyWhenTextureKeepsGoing) {
@@ -213,16 +215,23 @@ TEST(NoiseIndex, IsTriedNowAndThenAndGivenUpOnlyWhenTextureKeepsGoing) {
     for (int i = 0; i < 31; ++i) static_cast<void>(tracker.next(view_of(frame), {}));
     return *tracker.next(view_of(frame), [&](int) { return ++trials, removal; });
   };
-  const int index = *tracker.next(view_of(frame), [&](int) { return removal; });
-  EXPECT_GT(index, 100);
+  const Strength first = *tracker.next(view_of(frame), [&](int) { return removal; });
+  EXPECT_GT(first.noise_index, 100);
+  EXPECT_EQ(first.percent, 100);
   removal = kTextureWent;
-  EXPECT_EQ(next_second(), index) << "once is no proof";
-  for (int i = 0; i < 8; ++i) static_cast<void>(next_second());
-  EXPECT_EQ(next_second(), 0);
-  EXPECT_EQ(tracker.refused(), index);
-  EXPECT_EQ(trials, 10);
+  EXPECT_EQ(next_second(), first) << "once is no proof";
+  int kept = 100;
+  for (int i = 0; i < 8; ++i) {
+    const Strength strength = next_second();
+    const int now = strength.noise_index == 0 ? 0 : strength.percent;
+    EXPECT_LE(now, kept);
+    kept = now;
+  }
+  EXPECT_EQ(kept, 0);
+  EXPECT_EQ(tracker.refused(), first.noise_index);
+  EXPECT_EQ(trials, 9);
   removal = std::nullopt;
-  EXPECT_EQ(next_second(), 0) << "a trial that failed says nothing";
+  EXPECT_EQ(next_second(), Strength{}) << "a trial that failed says nothing";
 }
 
 TEST(NoiseIndex, TexturedPictureIsLeftAndANoisyOneDenoised) {
@@ -284,16 +293,23 @@ TEST(NoiseVerdict, RefusesWhatNoNoiseIs) {
   }
 }
 
-TEST(NoiseIndex, IsTheLowerTheGreaterTheDoubt) {
-  const NoiseCalibration levels{{100, 0.5}, {6400, 4}};
+TEST(NoiseVerdict, TakesTheLessTheGreaterTheDoubt) {
   const struct {
     double doubt;
-    int index;
-  } kCases[] = {{-20, 3200}, {-3, 3200}, {-1.5, 1131}, {-0.001, 400}, {0, 0}, {5, 0}};
+    Strength strength;
+  } kCases[] = {{-20, {3200, 100}}, {-4, {3200, 90}}, {0.5, {3200, 50}}, {2, {3200, 32}}, {4, {}}};
   for (const auto& test : kCases) {
-    EXPECT_NEAR(tool::index_after_trial(3200, test.doubt, levels), test.index, 1) << test.doubt;
+    EXPECT_EQ(tool::strength_after_trial(3200, test.doubt), test.strength) << test.doubt;
   }
-  EXPECT_EQ(tool::index_after_trial(150, -0.001, levels), 100) << "the first level's at least";
+}
+
+TEST(PartialRemoval, KeepsRoundedPartsAndNothingBetweenRows) {
+  const std::vector<uint8_t> before{100, 100, 100, 0, 255, 7};
+  std::vector<uint8_t> rows{101, 97, 104, 9, 255, 0, 7, 9};
+  tool::keep_part_of_change(before.data(), 3, 50, {rows.data(), 4, 3, 2});
+  EXPECT_EQ(rows, (std::vector<uint8_t>{101, 98, 102, 9, 128, 127, 7, 9}));
+  tool::keep_part_of_change(before.data(), 3, 0, {rows.data(), 4, 3, 2});
+  EXPECT_EQ(rows, (std::vector<uint8_t>{100, 100, 100, 9, 0, 255, 7, 9}));
 }
 
 TEST(RemovalPattern, TellsLinesAndRepetitionFromNoise) {

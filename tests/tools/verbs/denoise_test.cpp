@@ -250,11 +250,14 @@ TEST_F(Denoise, NoiseIndexComesFromWhereItIsSaidToCome) {
 TEST(NoiseIndexChoice, SaysWhereTheNumberComesFrom) {
   const Nv21Frame small = patterned_frame(16, 4);
   tool::NoiseIndexChoice choice({}, "a.y4m", {}, {});
-  EXPECT_EQ(choice.next({small, {}}, small), 0);
+  EXPECT_EQ(choice.next({small, {}}, small), tool::Strength{});
   EXPECT_THAT(choice.text(), HasSubstr("0 (too little"));
   tool::NoiseIndexChoice number({Source::kNumber, 300}, "a.y4m", {}, {});
-  EXPECT_EQ(number.next({small, {}}, small), 300);
+  EXPECT_EQ(number.next({small, {}}, small), tool::Strength{300});
   EXPECT_EQ(number.text(), "300");
+  tool::NoiseIndexChoice part({Source::kNumber, 300, 40}, "a.y4m", {}, {});
+  EXPECT_EQ(part.next({small, {}}, small), (tool::Strength{300, 40}));
+  EXPECT_EQ(part.text(), "300 at 40 %");
 }
 
 TEST(DenoiseSummaryText, SaysWhatHappened) {
@@ -283,7 +286,7 @@ TEST(DenoiseSummaryText, SaysWhatHappened) {
 
 TEST(DenoiseSummaryText, NothingIsSaidToBeNothing) {
   tool::DenoiseSummary summary;
-  summary.noise_index = 100;
+  summary.strength.noise_index = 100;
   summary.size = {16, 4};
   summary.frames = 1;
   EXPECT_THAT(tool::summary_text(summary), HasSubstr("nothing: this tuning leaves every sample"));
