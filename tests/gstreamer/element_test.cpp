@@ -10,6 +10,7 @@
 
 #include "gstreamer/sample_tuning.h"
 #include "gstreamer/vorel_element.h"
+#include "tools/measure/partial_removal.h"
 #include "vorel/frame.h"
 
 // The element's calls of the library go through here, so that a test can let a frame fail.
@@ -168,6 +169,11 @@ TEST(GStreamerElement, TakesPropertiesBetweenFrames) {
   EXPECT_EQ(element.push(frame), frame.bytes);
   gst_harness_set(element.harness(), "vorel", "spatial", TRUE, "wavelet", TRUE, nullptr);
   EXPECT_EQ(element.push(frame), denoised(frame, 800));
+  gst_harness_set(element.harness(), "vorel", "amount", 50, nullptr);
+  std::vector<uint8_t> half = denoised(frame, 800);
+  tool::keep_part_of_change(frame.bytes.data(), half.size(), 50,
+                            {half.data(), half.size(), half.size(), 1});
+  EXPECT_EQ(element.push(frame), half);
   gst_harness_set(element.harness(), "vorel", "noise-index", "0", nullptr);  // below the gate
   EXPECT_EQ(element.push(frame), frame.bytes);
   EXPECT_EQ(element.messages(GST_MESSAGE_ANY), 0);

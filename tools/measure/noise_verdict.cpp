@@ -10,7 +10,7 @@ namespace {
 // ever faster, and what repeats itself as woven cloth does.
 constexpr double kMostBend = 0.6;
 constexpr double kMostRepeated = 0.15;
-constexpr double kLeastDoubtBeyond = 1;
+constexpr double kLeastDoubtBeyond = 5;
 
 // Hardly any photograph's texture passes for noise as strong as that.
 constexpr double kStrongEstimate = 0.6;
@@ -21,8 +21,8 @@ constexpr double kAlongLumaFloor = 0.02;
 
 // Half of a removal does a quarter of its harm and three quarters of its good. From pictures whose
 // clean form is known (docs/noise-index.md).
-constexpr double kDoubtThatHalves = 0.5;
-constexpr double kSpread = 2;
+constexpr double kDoubtThatHalves = 0.25;
+constexpr double kSpread = 1.5;
 constexpr int kLeastPercent = 20;  // less hardly changes a sample
 constexpr int kMostPercent = 95;   // more is all of it
 

@@ -17,8 +17,8 @@ namespace tool {
 // (docs/noise-index.md).
 [[nodiscard]] double doubt(const ChromaNoise& noise, const Removal& removal);
 
-// How much of the removal should be taken, 0 to 100 percent: nearly all below a doubt of -5, and
-// the less the greater the doubt.
+// How much of the removal should be taken, 0 to 100 percent: all below a doubt of about -4, and
+// the less the greater it is.
 [[nodiscard]] int percent_to_take(double doubt);
 
 }  // namespace tool

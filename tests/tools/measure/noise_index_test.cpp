@@ -297,7 +297,7 @@ TEST(NoiseVerdict, TakesTheLessTheGreaterTheDoubt) {
   const struct {
     double doubt;
     Strength strength;
-  } kCases[] = {{-20, {3200, 100}}, {-4, {3200, 90}}, {0.5, {3200, 50}}, {2, {3200, 32}}, {4, {}}};
+  } kCases[] = {{-20, {3200, 100}}, {-3, {3200, 90}}, {0.25, {3200, 50}}, {2, {3200, 24}}, {3, {}}};
   for (const auto& test : kCases) {
     EXPECT_EQ(tool::strength_after_trial(3200, test.doubt), test.strength) << test.doubt;
   }

@@ -97,16 +97,20 @@ TEST_F(Denoise, FrameGoesInAndComesOutInPlaceForBothFormats) {
   options.noise_index = {Source::kNumber, 700};
   save(input, original);
   for (const bool separate : {false, true}) {
-    options.separate_planes = separate;
-    ASSERT_EQ(run(), tool::kDone) << message;
-    const Nv21Frame denoised = result();
-    for (size_t i = 0; i < original.data.size(); ++i) {
-      ASSERT_EQ(denoised.data[i], original.data[i] + (i < 32 * 6 ? 1 : 2)) << i;
+    for (const int percent : {100, 50, 20}) {
+      options.separate_planes = separate;
+      options.noise_index.percent = percent;
+      ASSERT_EQ(run(), tool::kDone) << message;
+      const Nv21Frame denoised = result();
+      const int chroma_change = percent / 50;
+      for (size_t i = 0; i < original.data.size(); ++i) {
+        ASSERT_EQ(denoised.data[i], original.data[i] + (i < 32 * 6 ? 1 : chroma_change)) << i;
+      }
+      EXPECT_EQ(fake.planes_touch, !separate);
+      EXPECT_EQ(fake.noise_index, 700);
     }
-    EXPECT_EQ(fake.planes_touch, !separate);
-    EXPECT_EQ(fake.noise_index, 700);
   }
-  EXPECT_EQ(fake.deinits, 2);
+  EXPECT_EQ(fake.deinits, 6);
 }
 
 TEST_F(Denoise, EverySizeReachesTheLibraryAndComesBack) {
