@@ -39,7 +39,7 @@ ALLOWED = {
                      "filters/range_weights.h"],
     "tools/files": [],
     "gstreamer": [PUBLIC, "tools/measure/noise_index.h", "tools/measure/chroma_noise.h",
-                  "tools/measure/removal.h"],
+                  "tools/measure/partial_removal.h", "tools/measure/removal.h"],
     "examples": [PUBLIC],
     "abi": [PUBLIC],
     "scripts/android-stand-in": [],
