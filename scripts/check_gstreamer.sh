@@ -20,11 +20,16 @@ compare() {
   local caps="video/x-raw,format=${layout^^},width=$width,height=$height"
   local raw=$work/$name.$layout
   gst-launch-1.0 -q "$@" ! videoconvert ! "$caps" ! filesink location="$raw"
-  gst-launch-1.0 -q "$@" ! videoconvert ! "$caps" ! vorel noise-index=1600 ! \
-    filesink location="$work/element.raw"
-  "$build/tools/vorel" denoise "$raw" --size "${width}x$height" \
-    --noise-index 1600 -q -o "$work/command.$layout"
-  cmp "$work/element.raw" "$work/command.$layout"
+  local strength
+  for strength in noise-index=auto "noise-index=1600 amount=40" noise-index=1600; do
+    # shellcheck disable=SC2086
+    gst-launch-1.0 -q "$@" ! videoconvert ! "$caps" ! vorel $strength ! \
+      filesink location="$work/element.raw"
+    # shellcheck disable=SC2086
+    "$build/tools/vorel" denoise "$raw" --size "${width}x$height" \
+      --${strength// / --} -q -o "$work/command.$layout" --force
+    cmp "$work/element.raw" "$work/command.$layout"
+  done
   if cmp -s "$raw" "$work/element.raw"; then
     echo "gstreamer: $name came out as it went in" >&2
     return 1
