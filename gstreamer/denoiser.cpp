@@ -35,20 +35,23 @@ tool::FrameView view_of(const vorel_frame& frame) {
           frame.width,  frame.height};
 }
 
+tool::Rows luma_rows(const vorel_frame& frame) {
+  return {frame.luma, static_cast<size_t>(frame.luma_stride), static_cast<size_t>(frame.width),
+          static_cast<size_t>(frame.height)};
+}
+
 tool::Rows chroma_rows(const vorel_frame& frame) {
   return {frame.chroma, static_cast<size_t>(frame.chroma_stride),
           (static_cast<size_t>(frame.width) + 1) / 2 * 2,
           (static_cast<size_t>(frame.height) + 1) / 2};
 }
 
-std::vector<uint8_t> dense_copy(const tool::Rows& rows) {
-  std::vector<uint8_t> copy;
-  copy.reserve(rows.bytes * rows.count);
+// Without the gaps between rows, into memory that is kept.
+void copy_dense(const tool::Rows& rows, std::vector<uint8_t>* copy) {
+  copy->resize(rows.bytes * rows.count);
   for (size_t y = 0; y < rows.count; ++y) {
-    const uint8_t* row = rows.data + y * rows.stride;
-    copy.insert(copy.end(), row, row + rows.bytes);
+    std::memcpy(copy->data() + y * rows.bytes, rows.data + y * rows.stride, rows.bytes);
   }
-  return copy;
 }
 
 }  // namespace
@@ -92,24 +95,22 @@ vorel_status Denoiser::process(vorel_frame frame, const Settings& settings,
   info->size = sizeof(*info);
   if (strength.percent == 100) return vorel_denoise_frame(handle_, &frame, info);
   const tool::Rows rows = chroma_rows(frame);
-  const std::vector<uint8_t> before = dense_copy(rows);
+  copy_dense(rows, &chroma_before_);
   const vorel_status status = vorel_denoise_frame(handle_, &frame, info);
-  tool::keep_part_of_change(before.data(), rows.bytes, strength.percent, rows);
+  tool::keep_part_of_change(chroma_before_.data(), rows.bytes, strength.percent, rows);
   return status;
 }
 
 std::optional<tool::Removal> Denoiser::try_index(vorel_frame frame, int32_t noise_index) {
   const vorel_frame original = frame;
-  const auto height = static_cast<size_t>(frame.height);
-  std::vector<uint8_t> luma(static_cast<size_t>(frame.luma_stride) * height);
-  std::vector<uint8_t> chroma(static_cast<size_t>(frame.chroma_stride) * ((height + 1) / 2));
-  // The last rows end with their samples, not with the stride.
-  const auto row_bytes = static_cast<size_t>(frame.width);
-  std::memcpy(luma.data(), frame.luma, luma.size() - frame.luma_stride + row_bytes);
-  std::memcpy(chroma.data(), frame.chroma,
-              chroma.size() - frame.chroma_stride + (row_bytes + 1) / 2 * 2);
+  std::vector<uint8_t> luma;
+  std::vector<uint8_t> chroma;
+  copy_dense(luma_rows(frame), &luma);
+  copy_dense(chroma_rows(frame), &chroma);
   frame.luma = luma.data();
+  frame.luma_stride = frame.width;
   frame.chroma = chroma.data();
+  frame.chroma_stride = (frame.width + 1) / 2 * 2;
   frame.noise_index = noise_index;
   const vorel_status status = vorel_denoise_frame(handle_, &frame, nullptr);
   if (status != VOREL_DONE && status != VOREL_BELOW_GATE) return std::nullopt;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "gstreamer/settings.h"
 #include "tools/measure/noise_index.h"
@@ -40,6 +41,7 @@ class Denoiser {
   vorel* handle_;
   tool::NoiseCalibration calibration_;
   tool::NoiseIndexTracker tracker_;
+  std::vector<uint8_t> chroma_before_;  // of a frame of whose change a part is kept
 };
 
 #endif  // VOREL_GSTREAMER_DENOISER_H_
