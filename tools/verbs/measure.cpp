@@ -72,8 +72,7 @@ void print_trial(const ChromaNoise& noise, const IndexTrial& trial) {
   const Removal& removal = trial.removal;
   std::printf("  %-14s%8d%s\n", "tried index", trial.noise_index,
               percent_to_take(trial.doubt) > 0 ? "" : ": could remove texture");
-  std::printf("    %-12s%8.2f  (below 0 noise, above 0 rather texture: %d %% is taken)\n", "doubt",
-              trial.doubt, percent_to_take(trial.doubt));
+  std::printf("    %-12s%8.2f  (below 0 noise, above 0 rather texture)\n", "doubt", trial.doubt);
   std::printf(
       "    %-12s%8.2f  mean square; %.0f %% follows luma, %.0f %% of the chroma untouched\n",
       "removed", removal.energy, 100 * removal.along_luma, 100 * removal.untouched);

@@ -8,7 +8,6 @@
 #include "tools/verbs/trial_run.h"
 
 namespace tool {
-
 namespace {
 
 std::string range_text(int least, int most) {
@@ -25,7 +24,7 @@ NoiseCalibration calibration_for(const std::string& tuning_text) {
 Strength NoiseIndexChoice::next(const Picture& picture, const Nv21Frame& frame) {
   if (frames_ == 0) iso_ = exif_iso(picture.metadata.exif);
   Strength strength = choose(frame);
-  strength.percent = request_.percent.value_or(strength.percent);
+  if (strength.noise_index > 0) strength.percent = request_.percent.value_or(strength.percent);
   if (frames_ == 0) least_ = most_ = strength;
   least_ = {std::min(least_.noise_index, strength.noise_index),
             std::min(least_.percent, strength.percent)};
